@@ -1,0 +1,39 @@
+// Whole files: opening them, reading them into memory, and writing media back over themselves.
+#pragma once
+
+#include <cstdint>
+#include <cstdio>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace stashkeep {
+
+using ByteVector = std::vector<std::uint8_t>;
+
+struct FileCloser {
+    void operator()(std::FILE* file) const noexcept { static_cast<void>(std::fclose(file)); }
+};
+using File = std::unique_ptr<std::FILE, FileCloser>;
+
+/// Opens the file at `path` with one of fopen's modes, unbuffered: each read and write that the
+/// caller makes is one of the system's. Empty when it cannot be opened; a folder never can.
+[[nodiscard]] File openFile(const char* path, const char* mode);
+
+/// The whole file at `path`. What cannot be sought in, such as a pipe, is read until it ends.
+/// Where the file cannot be opened or read, is 2 GiB or longer, or does not fit into memory,
+/// prints "File:<path> not found or not readable." and returns an empty vector.
+[[nodiscard]] ByteVector loadFile(const char* path);
+
+/// All that is left to read in `file`; nothing when reading fails or when there are 2 GiB or more.
+/// Throws std::bad_alloc when it does not fit into memory.
+[[nodiscard]] std::optional<std::string> readText(std::FILE* file);
+
+/// Writes `bytes` over the start of the existing file at `path` with one write. The file is never
+/// cut short: whatever interrupts the write, each of its bytes is the old one or the new one.
+/// Prints "File:<path> not creatable." where it cannot be opened for writing, or where what is
+/// written cannot be kept (a pipe); a write that fails is not reported.
+void rewriteFile(const char* path, const ByteVector& bytes);
+
+}  // namespace stashkeep

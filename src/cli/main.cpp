@@ -1,0 +1,5 @@
+#include "cli/command_line.h"
+
+int main(int argumentCount, char* arguments[]) {
+    return stashkeep::runCommandLine(argumentCount, arguments);
+}

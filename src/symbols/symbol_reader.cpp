@@ -1,0 +1,163 @@
+#include "symbols/symbol_reader.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cmath>
+#include <cstdint>
+#include <cstdlib>
+#include <exception>
+#include <iterator>
+#include <limits>
+#include <optional>
+#include <span>
+#include <stdexcept>
+#include <utility>
+
+#include "cli/load_file.h"
+#include "cli/print_out.h"
+#include "symbols/symbol_tables.h"
+#include "symbols/tokenizer.h"
+
+namespace stashkeep {
+namespace {
+
+using Int32Limits = std::numeric_limits<std::int32_t>;
+
+/// As strtol reads it; none when it starts with no number, or with one beyond 32 bits.
+std::optional<std::int32_t> toInteger(const std::string& token) {
+    char* end = nullptr;
+    errno = 0;
+    const long value = std::strtol(token.c_str(), &end, 10);
+    if (end == token.c_str() || errno == ERANGE) return std::nullopt;
+    if (value < Int32Limits::min() || value > Int32Limits::max()) return std::nullopt;
+    return static_cast<std::int32_t>(value);
+}
+
+/// As strtod reads it; none when it starts with no number, or with one beyond a double.
+std::optional<double> toDouble(const std::string& token) {
+    char* end = nullptr;
+    errno = 0;
+    const double value = std::strtod(token.c_str(), &end);
+    if (end == token.c_str() || errno == ERANGE) return std::nullopt;
+    return value;
+}
+
+/// Truncates toward zero; what 32 bits cannot hold gives their lowest value.
+std::int32_t truncate(double value) {
+    const double whole = std::trunc(value);
+    const bool fits = whole >= Int32Limits::min() && whole <= Int32Limits::max();
+    return fits ? static_cast<std::int32_t>(whole) : Int32Limits::min();
+}
+
+/// The tokens of a whole file that openFile has opened, or has not.
+TokenList readTokens(const File& file, TokenList (*split)(std::string)) {
+    std::optional<std::string> text = file ? readText(file.get()) : std::nullopt;
+    if (!text) throw std::runtime_error("file not readable");
+    return split(*std::move(text));
+}
+
+std::int32_t readInteger(const std::string& token) {
+    const std::optional<std::int32_t> value = toInteger(token);
+    if (!value) throw std::runtime_error("not a number");
+    return *value;
+}
+
+/// Hands out bits in the order of the directives.
+void readGameFlags(const std::string& path) {
+    const TokenList tokens = readTokens(openFile(path.c_str(), "r"), splitLine);
+    std::uint32_t nextBit = 0;  // unsigned, since counts of any size may wrap it
+    std::size_t i = 0;
+    while (i < tokens.size()) {
+        if (tokens[i] == ".flag") {
+            gameFlagTable[tokens.at(i + 1)] = {static_cast<std::int32_t>(nextBit), 1};
+            nextBit += 1;
+            i += 2;
+        } else if (tokens[i] == ".flags") {
+            const std::int32_t bitCount = readInteger(tokens.at(i + 3));
+            gameFlagTable[tokens[i + 1]] = {static_cast<std::int32_t>(nextBit), bitCount};
+            nextBit += static_cast<std::uint32_t>(bitCount);
+            i += 4;
+        } else {
+            i += 1;
+        }
+    }
+}
+
+/// The game's sources name included files with backslashes. Where those separate no folders, a
+/// path that cannot be opened as it stands is tried with slashes.
+File openIncluded(const std::string& name) {
+    std::string path = "generated\\" + name;
+    File file = openFile(path.c_str(), "r");
+#ifndef _WIN32
+    if (!file) {
+        std::replace(path.begin(), path.end(), '\\', '/');
+        file = openFile(path.c_str(), "r");
+    }
+#endif
+    return file;
+}
+
+/// Sums the terms of a statement: its name, a token of any kind, and the terms. What does not
+/// convert, such as a "+" or a symbol, counts as 0.
+std::int32_t sumOfTerms(std::span<const std::string> statement) {
+    std::int32_t sum = 0;
+    for (std::size_t i = 2; i < statement.size(); ++i) {
+        if (const std::optional<double> term = toDouble(statement[i])) sum = truncate(sum + *term);
+    }
+    return sum;
+}
+
+void readWorldFlags(const std::string& path) {
+    // Only what this leaves in asmSectionText counts.
+    static_cast<void>(readTokens(openFile(path.c_str(), "r"), splitAsmLine));
+    const TokenList sectionTokens = splitLine(asmSectionText);
+    TokenList includeTokens;
+    for (std::size_t i = 0; i < sectionTokens.size(); ++i) {
+        printOut("%s_", sectionTokens[i].c_str());
+        if (sectionTokens[i] != "include") continue;
+        TokenList tokens = readTokens(openIncluded(sectionTokens.at(i + 1)), splitLine);
+        std::move(tokens.begin(), tokens.end(), std::back_inserter(includeTokens));
+    }
+    for (auto start = includeTokens.begin(); start != includeTokens.end();) {
+        const auto stop = std::find(start, includeTokens.end(), ";");
+        if (start != stop) worldFlagTable[*start] = {sumOfTerms({start, stop}), 1};
+        start = std::next(stop);  // the last token is a ";"
+    }
+}
+
+void readCollectableIds(const std::string& path) {
+    const TokenList tokens = readTokens(openFile(path.c_str(), "r"), splitLine);
+    for (std::size_t i = 0; i < tokens.size(); ++i) {
+        if (tokens[i] != "=") continue;
+        const std::int32_t id = readInteger(tokens.at(i + 1));
+        collectableTable[i == 0 ? std::string() : tokens[i - 1]] = id;
+    }
+}
+
+bool succeeds(void (*read)(const std::string& path), const std::string& path) {
+    try {
+        read(path);
+        return true;
+    } catch (const std::exception&) {
+        return false;
+    }
+}
+
+}  // namespace
+
+int generateSaveGame(const std::string& flagsFileName, const std::string& asmWorldFlags,
+                     const std::string& collectableIds) {
+    if (!succeeds(readGameFlags, flagsFileName)) {
+        printOut("generateSaveGame flags.asm file problem!\n");
+        return 1;
+    }
+    asmSectionText.clear();
+    if (!succeeds(readWorldFlags, asmWorldFlags)) return 1;
+    if (!succeeds(readCollectableIds, collectableIds)) {
+        printOut("generateSaveGame collectableids.asm file problem!\n");
+        return 1;
+    }
+    return 0;
+}
+
+}  // namespace stashkeep

@@ -1,0 +1,168 @@
+#include "symbols/tokenizer.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdint>
+#include <cstring>
+#include <string_view>
+#include <utility>
+
+#include "symbols/symbol_tables.h"
+
+namespace stashkeep {
+namespace {
+
+enum class ByteClass : std::uint8_t { ordinary, blank, lineEnd, comma, semicolon, quote, numberSign };
+
+constexpr std::array<ByteClass, 256> byteClasses = [] {
+    std::array<ByteClass, 256> classes{};  // ordinary
+    classes[' '] = classes['\t'] = ByteClass::blank;
+    classes['\r'] = classes['\n'] = ByteClass::lineEnd;
+    classes[','] = ByteClass::comma;
+    classes[';'] = ByteClass::semicolon;
+    classes['"'] = ByteClass::quote;
+    classes['#'] = ByteClass::numberSign;
+    return classes;
+}();
+
+ByteClass classOf(char byte) { return byteClasses[static_cast<unsigned char>(byte)]; }
+
+/// The first byte that is not of `byteClass`, or `end`.
+const char* skipClass(ByteClass byteClass, const char* at, const char* end) {
+    while (at != end && classOf(*at) == byteClass) ++at;
+    return at;
+}
+
+struct Tokens {
+    TokenList list;
+    std::string pending;  // the word that is being collected
+};
+
+void flush(Tokens& tokens) {
+    if (tokens.pending.empty()) return;
+    tokens.list.push_back(std::move(tokens.pending));
+    tokens.pending.clear();
+}
+
+void endStatement(Tokens& tokens) {
+    flush(tokens);
+    if (!tokens.list.empty() && tokens.list.back() != ";") tokens.list.emplace_back(";");
+}
+
+/// Appends what is quoted from `at`, the byte behind the opening quote. Returns where the text goes
+/// on behind the closing one.
+const char* takeQuoted(const char* at, const char* end, std::string& pending) {
+    for (;;) {
+        const char* const special = std::find_if(at, end, [](char byte) { return byte == '"' || byte == '\\'; });
+        pending.append(at, special);
+        if (special == end) return end;
+        at = special + 1;
+        if (*special == '"') return at;
+        const char escaped = at == end ? '\0' : *at;
+        if (escaped == 'n') {
+            pending += '\n';
+            ++at;
+        } else if (escaped == '\\' || escaped == '"' || escaped == '\t') {
+            pending += escaped;
+            ++at;
+        } else {
+            pending += '\\';
+        }
+    }
+}
+
+bool startsWith(const char* at, const char* end, std::string_view marker) {
+    return std::string_view(at, static_cast<std::size_t>(end - at)).starts_with(marker);
+}
+
+/// Behind the marker at `at` and the one byte that follows it.
+const char* skipMarker(const char* at, const char* end, std::string_view marker) {
+    return at + std::min(end - at, static_cast<std::ptrdiff_t>(marker.size()) + 1);
+}
+
+/// Appends to asmSectionText from `at`, the first byte of a section. Returns where the text goes on
+/// behind the end marker.
+const char* takeSection(const char* at, const char* end) {
+    for (;;) {
+        const char* const numberSign = std::find(at, end, '#');
+        asmSectionText.append(at, numberSign);
+        if (numberSign == end) return end;
+        if (startsWith(numberSign, end, asmSectionEnd)) return skipMarker(numberSign, end, asmSectionEnd);
+        if (startsWith(numberSign, end, asmSectionBegin)) {
+            at = skipMarker(numberSign, end, asmSectionBegin);
+        } else {
+            asmSectionText += '#';
+            at = numberSign + 1;
+        }
+    }
+}
+
+/// From a number sign to the end of its line.
+const char* skipComment(const char* at, const char* end) {
+    return std::find_if(at, end, [](char byte) { return classOf(byte) == ByteClass::lineEnd; });
+}
+
+/// From a number sign over all that it starts: markers with their sections, and a comment to the
+/// end of its line, which may hold more of them. Stops at the first byte of plain text.
+const char* skipCommentAndSections(const char* at, const char* end) {
+    bool inComment = false;
+    while (at != end) {
+        if (*at != '#') {
+            if (!inComment || classOf(*at) == ByteClass::lineEnd) break;
+            ++at;
+        } else if (startsWith(at, end, asmSectionBegin)) {
+            at = takeSection(skipMarker(at, end, asmSectionBegin), end);
+        } else if (startsWith(at, end, asmSectionEnd)) {
+            at = skipMarker(at, end, asmSectionEnd);
+        } else {
+            inComment = true;
+            ++at;
+        }
+    }
+    return at;
+}
+
+/// Splits `text`; `skipNumberSign` takes a number sign and what it starts, and returns where plain
+/// text goes on.
+TokenList scan(std::string_view text, const char* (*skipNumberSign)(const char* at, const char* end)) {
+    Tokens tokens;
+    const char* at = text.data();
+    const char* const end = at + text.size();
+    while (at != end) {
+        const char* const start = at++;
+        switch (classOf(*start)) {
+            case ByteClass::ordinary:
+                at = skipClass(ByteClass::ordinary, at, end);
+                tokens.pending.append(start, at);
+                break;
+            case ByteClass::blank:
+                flush(tokens);
+                at = skipClass(ByteClass::blank, at, end);
+                break;
+            case ByteClass::lineEnd:
+            case ByteClass::semicolon:
+                endStatement(tokens);
+                break;
+            case ByteClass::comma:
+                flush(tokens);
+                tokens.list.emplace_back(",");
+                break;
+            case ByteClass::quote:
+                at = takeQuoted(at, end, tokens.pending);
+                break;
+            case ByteClass::numberSign:
+                at = skipNumberSign(start, end);
+                break;
+        }
+    }
+    endStatement(tokens);
+    return std::move(tokens.list);
+}
+
+}  // namespace
+
+TokenList splitLine(std::string text) { return scan(text, skipComment); }
+
+TokenList splitAsmLine(std::string text) { return scan(text, skipCommentAndSections); }
+
+}  // namespace stashkeep

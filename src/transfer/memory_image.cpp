@@ -1,0 +1,82 @@
+#include "transfer/memory_image.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+#include <optional>
+
+#include "cli/load_file.h"
+#include "cli/print_out.h"
+#include "transfer/savegame_data_file.h"
+
+namespace stashkeep {
+namespace {
+
+constexpr std::size_t pointerSize = 4;  // bytes
+constexpr std::size_t leastImageSize = pagePlaces.back().pointerOffset + pointerSize;
+static_assert(leastImageSize == 0x110C);
+
+std::uint32_t readPointer(const std::uint8_t* bytes) {
+    std::uint32_t value = 0;
+    for (std::size_t i = pointerSize; i-- > 0;) value = value << 8 | bytes[i];
+    return value;
+}
+
+/// The offset of the page at `place`; none when the image is too short for the pointer table or
+/// the page does not lie wholly inside the image.
+std::optional<std::size_t> findPage(const ByteVector& image, const PagePlace& place) {
+    if (image.size() < leastImageSize) return std::nullopt;
+    const std::size_t offset = readPointer(&image[place.pointerOffset]);
+    if (offset > image.size() - pageSize) return std::nullopt;
+    return offset;
+}
+
+int refuseImage(const char* path) {
+    printOut("File:<%s> not a valid Zarnis memory image.\n", path);
+    return 1;
+}
+
+}  // namespace
+
+int extractFromImage(int argumentCount, const char* const* arguments) {
+    if (argumentCount != 4) {
+        return refuseArgumentCount(
+            "stashkeep extractreu <game.reu> <outputfilename> : extracts savegame from reu file into a file\n");
+    }
+    const char* const imagePath = arguments[2];
+    const ByteVector image = loadFile(imagePath);
+    SavegameDataFile dataFile;
+    for (std::size_t i = 0; i < pageCount; ++i) {
+        const std::optional<std::size_t> offset = findPage(image, pagePlaces[i]);
+        if (!offset) return refuseImage(imagePath);
+        std::copy_n(&image[*offset], pageSize, dataFile.pages[i].begin());
+    }
+    return writeSavegameDataFile(arguments[3], dataFile);
+}
+
+int implantIntoImage(int argumentCount, const char* const* arguments) {
+    if (argumentCount != 4) {
+        return refuseArgumentCount(
+            "stashkeep implantreu <inputfilename> <game.reu> : implants extracted savegame into reu file\n");
+    }
+    const char* const dataPath = arguments[2];
+    const char* const imagePath = arguments[3];
+    ByteVector image = loadFile(imagePath);
+    File dataFile = openFile(dataPath, "rb");
+    if (!dataFile) {
+        printOut("File:<%s> not found or not readable.\n", dataPath);
+        return 1;
+    }
+    for (const PagePlace& place : pagePlaces) {
+        // Looked up page by page, since a page may lie over the pointers of the later ones.
+        const std::optional<std::size_t> offset = findPage(image, place);
+        if (!offset) return refuseImage(imagePath);
+        static_cast<void>(std::fread(&image[*offset], 1, pageSize, dataFile.get()));
+    }
+    dataFile.reset();
+    rewriteFile(imagePath, image);
+    return 0;
+}
+
+}  // namespace stashkeep

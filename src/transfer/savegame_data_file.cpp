@@ -1,0 +1,22 @@
+#include "transfer/savegame_data_file.h"
+
+#include <cstdio>
+
+#include "cli/load_file.h"
+#include "cli/print_out.h"
+
+namespace stashkeep {
+
+int writeSavegameDataFile(const char* path, const SavegameDataFile& dataFile) {
+    const File file = openFile(path, "wb");
+    if (!file) {
+        printOut("File:<%s> couldn't be created.\n", path);
+        return 1;
+    }
+    for (const SavegamePage& page : dataFile.pages) {
+        static_cast<void>(std::fwrite(page.data(), 1, page.size(), file.get()));
+    }
+    return 0;
+}
+
+}  // namespace stashkeep
