@@ -19,12 +19,18 @@ struct Command {
 };
 
 constexpr std::array commands{
-    Command{"extractd64", extractFromD64},      Command{"implantd64", implantIntoD64},
-    Command{"extractreu", extractFromImage},    Command{"implantreu", implantIntoImage},
-    Command{"extractgeoram", extractFromImage}, Command{"implantgeoram", implantIntoImage},
-    Command{"extractneoram", extractFromImage}, Command{"implantneoram", implantIntoImage},
-    Command{"extractybn", extractFromImage},    Command{"implantybn", implantIntoImage},
-    Command{"extractfbn", extractFromImage},    Command{"implantfbn", implantIntoImage},
+    Command{"extractd64", extractFromD64},
+    Command{"implantd64", implantIntoD64},
+    Command{"extractreu", extractFromImage},
+    Command{"implantreu", implantIntoImage},
+    Command{"extractgeoram", extractFromImage},
+    Command{"implantgeoram", implantIntoImage},
+    Command{"extractneoram", extractFromImage},
+    Command{"implantneoram", implantIntoImage},
+    Command{"extractybn", extractFromImage},
+    Command{"implantybn", implantIntoImage},
+    Command{"extractfbn", extractFromImage},
+    Command{"implantfbn", implantIntoImage},
     Command{"check", checkCommand},
 };
 
@@ -46,9 +52,7 @@ constexpr std::array usageText{
 };
 
 /// ASCII only: what a letter is must not depend on a locale.
-char toLowerCase(char byte) {
-    return byte >= 'A' && byte <= 'Z' ? static_cast<char>(byte - 'A' + 'a') : byte;
-}
+char toLowerCase(char byte) { return byte >= 'A' && byte <= 'Z' ? static_cast<char>(byte - 'A' + 'a') : byte; }
 
 }  // namespace
 

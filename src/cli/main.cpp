@@ -1,5 +1,3 @@
 #include "cli/command_line.h"
 
-int main(int argumentCount, char* arguments[]) {
-    return stashkeep::runCommandLine(argumentCount, arguments);
-}
+int main(int argumentCount, char* arguments[]) { return stashkeep::runCommandLine(argumentCount, arguments); }

@@ -1,0 +1,42 @@
+# The game's flags. They get their bits in this order, from bit 0 on:
+#   .flag NAME          one bit
+#   .flags NAME, COUNT  so many bits
+
+# Story
+.flag FLAG_INTRO_SEEN
+.flag FLAG_MAYOR_MET
+.flag FLAG_SWORD_FOUND
+.flags FLAG_BRIDGE_STATE, 3
+.flags FLAG_SMITH_DEBT, 2
+.flags FLAG_MILL_GRAIN, 8
+.flag FLAG_BOAT_FOUND
+.flags FLAG_HERMIT_MOOD, 4
+
+# Mansion
+.flags FLAG_MANSION_FLOOR, 4
+.flag FLAG_BUTLER_BRIBED
+.flag FLAG_CELLAR_LIT
+.flags FLAG_PORTRAITS_TURNED, 4
+
+# Mountains
+.flags FLAG_DRAGON_ANGER, 6
+.flags FLAG_STEPS_WALKED, 16
+.flag FLAG_PASS_GUARD_ASLEEP
+.flag FLAG_ECHO_HEARD
+.flags FLAG_HERBS_DRIED, 5
+
+# Women
+.flag FLAG_GERDA_FREED
+.flag FLAG_INGA_FREED
+.flag FLAG_HILDA_FREED
+.flags FLAG_COINS_GIVEN, 3
+
+# Odds and ends
+.flag FLAG_DOG_FED
+.flag FLAG_CAT_FED
+.flag FLAG_NET_MENDED
+.flag FLAG_LAMP_FILLED
+.flags FLAG_FISH_CAUGHT, 7
+.flag FLAG_SONG_LEARNED
+.flag FLAG_TAVERN_BANNED
+.flags FLAG_DICE_WON, 4

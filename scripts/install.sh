@@ -1,0 +1,15 @@
+#!/usr/bin/env bash
+# Installs those of the named Debian packages that are missing: scripts/install.sh PACKAGE...
+set -euo pipefail
+
+missing=()
+for package in "$@"; do
+    status=$(dpkg-query -W -f='${db:Status-Status}' "$package" 2>/dev/null || true)
+    [ "$status" = installed ] || missing+=("$package")
+done
+[ ${#missing[@]} -gt 0 ] || exit 0
+
+asRoot=(env DEBIAN_FRONTEND=noninteractive)
+[ "$(id -u)" -eq 0 ] || asRoot=(sudo "${asRoot[@]}")
+"${asRoot[@]}" apt-get update -qq
+"${asRoot[@]}" apt-get install -qq -y --no-install-recommends "${missing[@]}" >/dev/null
