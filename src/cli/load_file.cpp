@@ -14,16 +14,16 @@ namespace {
 constexpr std::size_t fileSizeLimit = 0x80000000;  // bytes; the first size that is too large
 constexpr std::size_t leastReadSize = 0x10000;     // bytes asked for at once when a size is unknown
 
-bool isFolder(std::FILE* file) {
+bool isFolder(const File& file) {
     struct stat status {};
-    return fstat(fileno(file), &status) == 0 && S_ISDIR(status.st_mode);
+    return fstat(fileno(file.get()), &status) == 0 && S_ISDIR(status.st_mode);
 }
 
 /// The size of a file that can be sought in, in bytes; leaves the position at the start.
-std::optional<std::size_t> sizeBySeeking(std::FILE* file) {
-    if (std::fseek(file, 0, SEEK_END) != 0) return std::nullopt;
-    const long size = std::ftell(file);
-    std::rewind(file);
+std::optional<std::size_t> sizeBySeeking(const File& file) {
+    if (std::fseek(file.get(), 0, SEEK_END) != 0) return std::nullopt;
+    const long size = std::ftell(file.get());
+    std::rewind(file.get());
     // A position too large for its type is a size too large for us.
     return size < 0 ? fileSizeLimit : static_cast<std::size_t>(size);
 }
@@ -31,50 +31,58 @@ std::optional<std::size_t> sizeBySeeking(std::FILE* file) {
 /// Fills `bytes` from `file`, starting with one read of the size that it comes with and enlarging
 /// it until the file ends. False when reading fails or when the size limit is reached.
 template <typename Bytes>
-bool readToEnd(std::FILE* file, Bytes& bytes) {
+bool readToEnd(const File& file, Bytes& bytes) {
     std::size_t count = 0;
     while (count < fileSizeLimit) {
         if (count == bytes.size()) bytes.resize(std::clamp(count * 2, leastReadSize, fileSizeLimit));
-        count += std::fread(bytes.data() + count, 1, bytes.size() - count, file);
+        count += std::fread(bytes.data() + count, 1, bytes.size() - count, file.get());
         if (count < bytes.size()) {
             bytes.resize(count);
-            return std::ferror(file) == 0;
+            return std::ferror(file.get()) == 0;
         }
     }
     return false;
 }
 
-bool readBytes(std::FILE* file, ByteVector& bytes) {
+bool readWhole(const File& file, ByteVector& bytes) {
     const std::optional<std::size_t> size = sizeBySeeking(file);
     if (!size) return readToEnd(file, bytes);
     if (*size >= fileSizeLimit) return false;
     bytes.resize(*size);
     // A file that has shrunk meanwhile leaves zeros behind; one that fails must not.
-    static_cast<void>(std::fread(bytes.data(), 1, bytes.size(), file));
-    return std::ferror(file) == 0;
+    readBytes(file, bytes.data(), bytes.size());
+    return std::ferror(file.get()) == 0;
 }
 
 }  // namespace
 
 File openFile(const char* path, const char* mode) {
     File file(std::fopen(path, mode));
-    if (file && isFolder(file.get())) file.reset();
+    if (file && isFolder(file)) file.reset();
     if (file) static_cast<void>(std::setvbuf(file.get(), nullptr, _IONBF, 0));
     return file;
+}
+
+void readBytes(const File& file, void* bytes, std::size_t size) {
+    [[maybe_unused]] const std::size_t count = std::fread(bytes, 1, size, file.get());
+}
+
+void writeBytes(const File& file, const void* bytes, std::size_t size) {
+    [[maybe_unused]] const std::size_t count = std::fwrite(bytes, 1, size, file.get());
 }
 
 ByteVector loadFile(const char* path) {
     try {
         ByteVector bytes;
         const File file = openFile(path, "rb");
-        if (file && readBytes(file.get(), bytes)) return bytes;
+        if (file && readWhole(file, bytes)) return bytes;
     } catch (const std::bad_alloc&) {  // answered like a file that cannot be opened
     }
     printOut("File:<%s> not found or not readable.\n", path);
     return {};
 }
 
-std::optional<std::string> readText(std::FILE* file) {
+std::optional<std::string> readText(const File& file) {
     // One byte more than the size lets the first read meet the end of the file.
     std::string text;
     const std::size_t size = sizeBySeeking(file).value_or(0);
@@ -90,7 +98,7 @@ void rewriteFile(const char* path, const ByteVector& bytes) {
         printOut("File:<%s> not creatable.\n", path);
         return;
     }
-    static_cast<void>(std::fwrite(bytes.data(), 1, bytes.size(), file.get()));
+    writeBytes(file, bytes.data(), bytes.size());
 }
 
 }  // namespace stashkeep

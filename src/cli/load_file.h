@@ -1,6 +1,7 @@
 // Whole files: opening them, reading them into memory, and writing media back over themselves.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <cstdio>
 #include <memory>
@@ -21,6 +22,12 @@ using File = std::unique_ptr<std::FILE, FileCloser>;
 /// caller makes is one of the system's. Empty when it cannot be opened; a folder never can.
 [[nodiscard]] File openFile(const char* path, const char* mode);
 
+/// Reads up to `size` bytes to `bytes`; what the file does not hold is left as it was, unnoticed.
+void readBytes(const File& file, void* bytes, std::size_t size);
+
+/// Writes `size` bytes; a failure goes unnoticed.
+void writeBytes(const File& file, const void* bytes, std::size_t size);
+
 /// The whole file at `path`. What cannot be sought in, such as a pipe, is read until it ends.
 /// Where the file cannot be opened or read, is 2 GiB or longer, or does not fit into memory,
 /// prints "File:<path> not found or not readable." and returns an empty vector.
@@ -28,7 +35,7 @@ using File = std::unique_ptr<std::FILE, FileCloser>;
 
 /// All that is left to read in `file`; nothing when reading fails or when there are 2 GiB or more.
 /// Throws std::bad_alloc when it does not fit into memory.
-[[nodiscard]] std::optional<std::string> readText(std::FILE* file);
+[[nodiscard]] std::optional<std::string> readText(const File& file);
 
 /// Writes `bytes` over the start of the existing file at `path` with one write. The file is never
 /// cut short: whatever interrupts the write, each of its bytes is the old one or the new one.

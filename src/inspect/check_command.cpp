@@ -1,7 +1,5 @@
 #include "inspect/check_command.h"
 
-#include <cstdio>
-
 #include "cli/load_file.h"
 #include "cli/print_out.h"
 #include "inspect/disc_savegame.h"
@@ -45,9 +43,8 @@ int checkCommand(int argumentCount, const char* const* arguments) {
     }
     DiscSavegame disc2{};
     DiscSavegame disc3{};
-    for (DiscSavegame* savegame : {&disc2, &disc3}) {
-        static_cast<void>(std::fread(savegame, 1, sizeof *savegame, dataFile.get()));
-    }
+    readBytes(dataFile, &disc2, sizeof disc2);
+    readBytes(dataFile, &disc3, sizeof disc3);
     dataFile.reset();
 
     printOut(">>>DISC2 SAVEGAME CONTENTS:\n");

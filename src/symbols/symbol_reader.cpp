@@ -51,7 +51,7 @@ std::int32_t truncate(double value) {
 
 /// The tokens of a whole file that openFile has opened, or has not.
 TokenList readTokens(const File& file, TokenList (*split)(std::string)) {
-    std::optional<std::string> text = file ? readText(file.get()) : std::nullopt;
+    std::optional<std::string> text = file ? readText(file) : std::nullopt;
     if (!text) throw std::runtime_error("file not readable");
     return split(*std::move(text));
 }

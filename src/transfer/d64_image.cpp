@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <cstdio>
 
 #include "cli/load_file.h"
 #include "cli/print_out.h"
@@ -69,9 +68,7 @@ int implantIntoD64(int argumentCount, const char* const* arguments) {
         printOut("File:<%s> couldn't be opened.\n", dataPath);
         return 1;
     }
-    for (const PagePlace& place : pagePlaces) {
-        static_cast<void>(std::fread(findPage(discs, place), 1, pageSize, dataFile.get()));
-    }
+    for (const PagePlace& place : pagePlaces) readBytes(dataFile, findPage(discs, place), pageSize);
     dataFile.reset();
     rewriteFile(disc2Path, discs.disc2);
     rewriteFile(disc3Path, discs.disc3);

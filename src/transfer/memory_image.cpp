@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <cstdio>
 #include <optional>
 
 #include "cli/load_file.h"
@@ -72,7 +71,7 @@ int implantIntoImage(int argumentCount, const char* const* arguments) {
         // Looked up page by page, since a page may lie over the pointers of the later ones.
         const std::optional<std::size_t> offset = findPage(image, place);
         if (!offset) return refuseImage(imagePath);
-        static_cast<void>(std::fread(&image[*offset], 1, pageSize, dataFile.get()));
+        readBytes(dataFile, &image[*offset], pageSize);
     }
     dataFile.reset();
     rewriteFile(imagePath, image);

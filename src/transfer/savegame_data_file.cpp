@@ -1,7 +1,5 @@
 #include "transfer/savegame_data_file.h"
 
-#include <cstdio>
-
 #include "cli/load_file.h"
 #include "cli/print_out.h"
 
@@ -13,9 +11,7 @@ int writeSavegameDataFile(const char* path, const SavegameDataFile& dataFile) {
         printOut("File:<%s> couldn't be created.\n", path);
         return 1;
     }
-    for (const SavegamePage& page : dataFile.pages) {
-        static_cast<void>(std::fwrite(page.data(), 1, page.size(), file.get()));
-    }
+    for (const SavegamePage& page : dataFile.pages) writeBytes(file, page.data(), page.size());
     return 0;
 }
 
