@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <string>
 #include <string_view>
 
 #include "cli/print_out.h"
@@ -62,12 +61,15 @@ int runCommandLine(int argumentCount, const char* const* arguments) {
         return 0;
     }
     printOut("Be aware that this tool can have conflicting effects on different Zarnis builds!");
-    std::string word = arguments[1];
-    std::transform(word.begin(), word.end(), word.begin(), toLowerCase);
+    const std::string_view word = arguments[1];
     for (const Command& command : commands) {
-        if (command.word == word) return command.operation(argumentCount, arguments);
+        if (std::ranges::equal(command.word, word, {}, {}, toLowerCase)) {
+            return command.operation(argumentCount, arguments);
+        }
     }
-    printOut("unknown command:%s\n", word.c_str());
+    printOut("unknown command:");
+    for (const char byte : word) printOut("%c", toLowerCase(byte));
+    printOut("\n");
     return 0;
 }
 

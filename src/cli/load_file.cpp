@@ -4,7 +4,7 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <new>
+#include <exception>
 
 #include "cli/print_out.h"
 
@@ -64,6 +64,7 @@ File openFile(const char* path, const char* mode) {
 }
 
 void readBytes(const File& file, void* bytes, std::size_t size) {
+    if (std::ferror(file.get()) != 0) return;
     [[maybe_unused]] const std::size_t count = std::fread(bytes, 1, size, file.get());
 }
 
@@ -76,7 +77,7 @@ ByteVector loadFile(const char* path) {
         ByteVector bytes;
         const File file = openFile(path, "rb");
         if (file && readWhole(file, bytes)) return bytes;
-    } catch (const std::bad_alloc&) {  // answered like a file that cannot be opened
+    } catch (const std::exception&) {  // no memory: answered like a file that cannot be opened
     }
     printOut("File:<%s> not found or not readable.\n", path);
     return {};

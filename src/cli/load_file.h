@@ -22,7 +22,8 @@ using File = std::unique_ptr<std::FILE, FileCloser>;
 /// caller makes is one of the system's. Empty when it cannot be opened; a folder never can.
 [[nodiscard]] File openFile(const char* path, const char* mode);
 
-/// Reads up to `size` bytes to `bytes`; what the file does not hold is left as it was, unnoticed.
+/// Reads up to `size` bytes to `bytes`; what the file does not hold is left as it was, unnoticed. A
+/// file ends where reading fails, so that nothing moves up into the place of what could not be read.
 void readBytes(const File& file, void* bytes, std::size_t size);
 
 /// Writes `size` bytes; a failure goes unnoticed.

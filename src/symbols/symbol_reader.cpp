@@ -1,5 +1,9 @@
 #include "symbols/symbol_reader.h"
 
+#ifndef _WIN32
+#include <unistd.h>
+#endif
+
 #include <algorithm>
 #include <cerrno>
 #include <cmath>
@@ -63,8 +67,8 @@ std::int32_t readInteger(const std::string& token) {
 }
 
 /// Hands out bits in the order of the directives.
-void readGameFlags(const std::string& path) {
-    const TokenList tokens = readTokens(openFile(path.c_str(), "r"), splitLine);
+void readGameFlags(const char* path) {
+    const TokenList tokens = readTokens(openFile(path, "r"), splitLine);
     std::uint32_t nextBit = 0;  // unsigned, since counts of any size may wrap it
     std::size_t i = 0;
     while (i < tokens.size()) {
@@ -84,12 +88,12 @@ void readGameFlags(const std::string& path) {
 }
 
 /// The game's sources name included files with backslashes. Where those separate no folders, a
-/// path that cannot be opened as it stands is tried with slashes.
+/// path that leads to no file as it stands is tried with slashes.
 File openIncluded(const std::string& name) {
     std::string path = "generated\\" + name;
     File file = openFile(path.c_str(), "r");
 #ifndef _WIN32
-    if (!file) {
+    if (!file && access(path.c_str(), F_OK) != 0) {
         std::replace(path.begin(), path.end(), '\\', '/');
         file = openFile(path.c_str(), "r");
     }
@@ -107,9 +111,9 @@ std::int32_t sumOfTerms(std::span<const std::string> statement) {
     return sum;
 }
 
-void readWorldFlags(const std::string& path) {
+void readWorldFlags(const char* path) {
     // Only what this leaves in asmSectionText counts.
-    static_cast<void>(readTokens(openFile(path.c_str(), "r"), splitAsmLine));
+    static_cast<void>(readTokens(openFile(path, "r"), splitAsmLine));
     const TokenList sectionTokens = splitLine(asmSectionText);
     TokenList includeTokens;
     for (std::size_t i = 0; i < sectionTokens.size(); ++i) {
@@ -125,8 +129,8 @@ void readWorldFlags(const std::string& path) {
     }
 }
 
-void readCollectableIds(const std::string& path) {
-    const TokenList tokens = readTokens(openFile(path.c_str(), "r"), splitLine);
+void readCollectableIds(const char* path) {
+    const TokenList tokens = readTokens(openFile(path, "r"), splitLine);
     for (std::size_t i = 0; i < tokens.size(); ++i) {
         if (tokens[i] != "=") continue;
         const std::int32_t id = readInteger(tokens.at(i + 1));
@@ -134,7 +138,7 @@ void readCollectableIds(const std::string& path) {
     }
 }
 
-bool succeeds(void (*read)(const std::string& path), const std::string& path) {
+bool succeeds(void (*read)(const char* path), const char* path) {
     try {
         read(path);
         return true;
@@ -145,8 +149,7 @@ bool succeeds(void (*read)(const std::string& path), const std::string& path) {
 
 }  // namespace
 
-int generateSaveGame(const std::string& flagsFileName, const std::string& asmWorldFlags,
-                     const std::string& collectableIds) {
+int generateSaveGame(const char* flagsFileName, const char* asmWorldFlags, const char* collectableIds) {
     if (!succeeds(readGameFlags, flagsFileName)) {
         printOut("generateSaveGame flags.asm file problem!\n");
         return 1;

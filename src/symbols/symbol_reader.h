@@ -1,8 +1,6 @@
 // Reading the game's assembler sources for the names of what a savegame holds.
 #pragma once
 
-#include <string>
-
 namespace stashkeep {
 
 /// Fills gameFlagTable from the ".flag" and ".flags" directives of `flagsFileName`, worldFlagTable
@@ -11,7 +9,6 @@ namespace stashkeep {
 /// the sections followed by an underscore. Returns 0, or 1 at the first file that fails: the flags
 /// and collectable-id files then print a message of their own, the later files are not opened, and
 /// entries made so far stay. Throws nothing.
-[[nodiscard]] int generateSaveGame(const std::string& flagsFileName, const std::string& asmWorldFlags,
-                                   const std::string& collectableIds);
+[[nodiscard]] int generateSaveGame(const char* flagsFileName, const char* asmWorldFlags, const char* collectableIds);
 
 }  // namespace stashkeep
