@@ -15,6 +15,8 @@
 #include <optional>
 #include <span>
 #include <stdexcept>
+#include <string>
+#include <string_view>
 #include <utility>
 
 #include "cli/load_file.h"
@@ -25,6 +27,7 @@
 namespace stashkeep {
 namespace {
 
+using namespace std::string_view_literals;
 using Int32Limits = std::numeric_limits<std::int32_t>;
 
 /// As strtol reads it; none when it starts with no number, or with one beyond 32 bits.
@@ -66,19 +69,26 @@ std::int32_t readInteger(const std::string& token) {
     return *value;
 }
 
+/// Sets the entry of a name, which is taken from its token. Sources tend to name things in order, so
+/// that new names belong at the table's end.
+template <typename Table>
+void enter(Table& table, std::string& name, const typename Table::mapped_type& value) {
+    table.insert_or_assign(table.end(), std::move(name), value);
+}
+
 /// Hands out bits in the order of the directives.
 void readGameFlags(const char* path) {
-    const TokenList tokens = readTokens(openFile(path, "r"), splitLine);
+    TokenList tokens = readTokens(openFile(path, "r"), splitLine);
     std::uint32_t nextBit = 0;  // unsigned, since counts of any size may wrap it
     std::size_t i = 0;
     while (i < tokens.size()) {
-        if (tokens[i] == ".flag") {
-            gameFlagTable[tokens.at(i + 1)] = {static_cast<std::int32_t>(nextBit), 1};
+        if (tokens[i] == ".flag"sv) {
+            enter(gameFlagTable, tokens.at(i + 1), {static_cast<std::int32_t>(nextBit), 1});
             nextBit += 1;
             i += 2;
-        } else if (tokens[i] == ".flags") {
+        } else if (tokens[i] == ".flags"sv) {
             const std::int32_t bitCount = readInteger(tokens.at(i + 3));
-            gameFlagTable[tokens[i + 1]] = {static_cast<std::int32_t>(nextBit), bitCount};
+            enter(gameFlagTable, tokens[i + 1], {static_cast<std::int32_t>(nextBit), bitCount});
             nextBit += static_cast<std::uint32_t>(bitCount);
             i += 4;
         } else {
@@ -118,23 +128,24 @@ void readWorldFlags(const char* path) {
     TokenList includeTokens;
     for (std::size_t i = 0; i < sectionTokens.size(); ++i) {
         printOut("%s_", sectionTokens[i].c_str());
-        if (sectionTokens[i] != "include") continue;
+        if (sectionTokens[i] != "include"sv) continue;
         TokenList tokens = readTokens(openIncluded(sectionTokens.at(i + 1)), splitLine);
         std::move(tokens.begin(), tokens.end(), std::back_inserter(includeTokens));
     }
     for (auto start = includeTokens.begin(); start != includeTokens.end();) {
-        const auto stop = std::find(start, includeTokens.end(), ";");
-        if (start != stop) worldFlagTable[*start] = {sumOfTerms({start, stop}), 1};
-        start = std::next(stop);  // the last token is a ";"
+        const auto stop = std::find(start, includeTokens.end(), statementEnd);
+        if (start != stop) enter(worldFlagTable, *start, {sumOfTerms({start, stop}), 1});
+        start = std::next(stop);  // the last token ends a statement
     }
 }
 
 void readCollectableIds(const char* path) {
-    const TokenList tokens = readTokens(openFile(path, "r"), splitLine);
+    TokenList tokens = readTokens(openFile(path, "r"), splitLine);
+    std::string noName;
     for (std::size_t i = 0; i < tokens.size(); ++i) {
-        if (tokens[i] != "=") continue;
+        if (tokens[i] != "="sv) continue;
         const std::int32_t id = readInteger(tokens.at(i + 1));
-        collectableTable[i == 0 ? std::string() : tokens[i - 1]] = id;
+        enter(collectableTable, i == 0 ? noName : tokens[i - 1], id);
     }
 }
 

@@ -27,11 +27,20 @@ constexpr std::array<ByteClass, 256> byteClasses = [] {
 
 ByteClass classOf(char byte) { return byteClasses[static_cast<unsigned char>(byte)]; }
 
+/// Whether a byte of the class behind a word shows that nothing more belongs to it.
+constexpr bool endsWord(ByteClass byteClass) {
+    return byteClass != ByteClass::quote && byteClass != ByteClass::numberSign;
+}
+
 /// The first byte that is not of `byteClass`, or `end`.
 const char* skipClass(ByteClass byteClass, const char* at, const char* end) {
     while (at != end && classOf(*at) == byteClass) ++at;
     return at;
 }
+
+/// Bytes of text for each token, at the least, in sources as people write them. Making room for all
+/// tokens at once saves moving them; room that is not used is never touched.
+constexpr std::size_t usualTokenSize = 4;
 
 struct Tokens {
     TokenList list;
@@ -46,7 +55,7 @@ void flush(Tokens& tokens) {
 
 void endStatement(Tokens& tokens) {
     flush(tokens);
-    if (!tokens.list.empty() && tokens.list.back() != ";") tokens.list.emplace_back(";");
+    if (!tokens.list.empty() && tokens.list.back() != statementEnd) tokens.list.emplace_back(statementEnd);
 }
 
 /// Appends what is quoted from `at`, the byte behind the opening quote. Returns where the text goes
@@ -126,6 +135,7 @@ const char* skipCommentAndSections(const char* at, const char* end) {
 /// text goes on.
 TokenList scan(std::string_view text, const char* (*skipNumberSign)(const char* at, const char* end)) {
     Tokens tokens;
+    tokens.list.reserve(text.size() / usualTokenSize);
     const char* at = text.data();
     const char* const end = at + text.size();
     while (at != end) {
@@ -133,7 +143,11 @@ TokenList scan(std::string_view text, const char* (*skipNumberSign)(const char* 
         switch (classOf(*start)) {
             case ByteClass::ordinary:
                 at = skipClass(ByteClass::ordinary, at, end);
-                tokens.pending.append(start, at);
+                if (tokens.pending.empty() && at != end && endsWord(classOf(*at))) {
+                    tokens.list.emplace_back(start, at);
+                } else {
+                    tokens.pending.append(start, at);
+                }
                 break;
             case ByteClass::blank:
                 flush(tokens);

@@ -8,11 +8,14 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace stashkeep {
 
 using TokenList = std::vector<std::string>;
+
+inline constexpr std::string_view statementEnd = ";";
 
 /// The tokens of a whole text. Throws std::bad_alloc when memory runs out.
 [[nodiscard]] TokenList splitLine(std::string text);
