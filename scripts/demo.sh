@@ -35,7 +35,7 @@ for disc in 2 3; do
 done
 # The game leaves pointers to its four pages at $0900, $0908, $1100 and $1108.
 head -c $((16 << 20)) /dev/zero >game.reu
-poke() { printf "$2" | dd of=game.reu bs=1 seek="$(($1))" conv=notrunc status=none; }
+poke() { printf '%b' "$2" | dd of=game.reu bs=1 seek="$(($1))" conv=notrunc status=none; }
 poke 0x0900 '\x00\x00\x20\x00' # disc 2, page 0 at $200000
 poke 0x0908 '\x00\x01\x20\x00' # disc 2, page 1 at $200100
 poke 0x1100 '\x00\x00\x30\x00' # disc 3, page 0 at $300000

@@ -48,7 +48,7 @@ TEST_F(LoadFile, readsWhatIsAFileAndComplainsOfTheRest) {
 
 TEST_F(LoadFile, readsAPipeUntilItEnds) {
     ASSERT_EQ(mkfifo("pipe", 0600), 0);
-    for (const std::size_t size : {0, 1, 0x10000, 0x30001}) {
+    for (const std::size_t size : {0U, 1U, 0x10000U, 0x30001U}) {
         std::thread writer([&] { writeFile("pipe", noise(size, 1)); });
         EXPECT_EQ(load("pipe"), noise(size, 1));
         writer.join();

@@ -35,7 +35,7 @@ TEST_F(Check, theReportReadsEveryFieldFromItsPlaceAndZeroWhereTheFileEnds) {
     data[349] = 2;
     writeFile("data", data + "more");
     EXPECT_EQ(run({"check", "data"}), "0" + readFile(EXPECTED_FOLDER "/report.txt"));
-    for (const std::size_t size : {0, 700}) {
+    for (const std::size_t size : {0U, 700U}) {
         writeFile("data", std::string(size, '\0'));
         EXPECT_EQ(run({"check", "data"}), "0" + readFile(EXPECTED_FOLDER "/empty_report.txt"));
     }

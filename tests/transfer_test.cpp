@@ -32,7 +32,7 @@ TEST_F(D64, extractTakesTwoSectorsOfEachDiscAndImplantFillsThemAsFarAsTheDataFil
     ASSERT_EQ(run({"extractd64", "Disc2", "disc 3", "data"}), "0");
     EXPECT_EQ(readFile("data"),
               disc2.substr(0, 256) + disc2.substr(0x400, 256) + disc3.substr(0, 256) + disc3.substr(0x400, 256));
-    for (const std::size_t size : {1024, 0, 600, 2048}) {
+    for (const std::size_t size : {1024U, 0U, 600U, 2048U}) {
         if (size != 1024) writeFile("data", noise(size, 9));
         for (std::size_t page = 0; page < 4; ++page) {
             fillPage(page < 2 ? disc2 : disc3, page % 2 * 0x400, readFile("data"), page);

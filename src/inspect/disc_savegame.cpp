@@ -16,7 +16,7 @@ std::span<const std::uint8_t> bytesBetween(const DiscSavegame& savegame, std::si
 }  // namespace
 
 std::uint8_t xorChecksum(std::span<const std::uint8_t> bytes) {
-    return std::accumulate(bytes.begin(), bytes.end(), std::uint8_t{0}, std::bit_xor<std::uint8_t>());
+    return std::accumulate(bytes.begin(), bytes.end(), std::uint8_t{0}, std::bit_xor<>());
 }
 
 bool isPage0Valid(const DiscSavegame& savegame) {

@@ -131,9 +131,9 @@ const char* skipCommentAndSections(const char* at, const char* end) {
     return at;
 }
 
-/// Splits `text`; `skipNumberSign` takes a number sign and what it starts, and returns where plain
-/// text goes on.
-TokenList scan(std::string_view text, const char* (*skipNumberSign)(const char* at, const char* end)) {
+/// Splits `text`, which is scan's to use up; `skipNumberSign` takes a number sign and what it starts,
+/// and returns where plain text goes on.
+TokenList scan(std::string&& text, const char* (*skipNumberSign)(const char* at, const char* end)) {
     Tokens tokens;
     tokens.list.reserve(text.size() / usualTokenSize);
     const char* at = text.data();
@@ -175,8 +175,8 @@ TokenList scan(std::string_view text, const char* (*skipNumberSign)(const char* 
 
 }  // namespace
 
-TokenList splitLine(std::string text) { return scan(text, skipComment); }
+TokenList splitLine(std::string text) { return scan(std::move(text), skipComment); }
 
-TokenList splitAsmLine(std::string text) { return scan(text, skipCommentAndSections); }
+TokenList splitAsmLine(std::string text) { return scan(std::move(text), skipCommentAndSections); }
 
 }  // namespace stashkeep
