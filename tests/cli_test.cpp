@@ -44,6 +44,7 @@ TEST_F(LoadFile, readsWhatIsAFileAndComplainsOfTheRest) {
     for (const std::string path : {"case %s", "folder", "huge", ""}) {
         EXPECT_EQ(load(path), "File:<" + path + "> not found or not readable.\n");
     }
+    EXPECT_TRUE(run({"check", "no", "huge", "no", "no"}).starts_with("1generateSaveGame flags.asm file problem!\n"));
 }
 
 TEST_F(LoadFile, readsAPipeUntilItEnds) {

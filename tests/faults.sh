@@ -24,7 +24,7 @@ cp old/* new
 "$program" implantreu old/savegame.dat new/game.reu >/dev/null
 
 passed=0 failed=0
-# Counts a fault by its name, the status that it had to give, and the one that it gave.
+# Counts a fault by its name, the status (or text) that it had to give, and the one that it gave.
 judge() {
     local wrong="" medium
     [ "$2" = "$3" ] || wrong=" status $3, not $2;"
@@ -66,6 +66,7 @@ for command in "${implants[@]}" "${extracts[@]}"; do
 done
 # shellcheck disable=SC2086
 for command in "${implants[@]}"; do inject 0 error=EIO read @savegame.dat $command; done
+inject 1 error=EIO read @savegame.dat check game.reu savegame.dat savegame.dat savegame.dat
 for limit in 1 100; do # KiB
     for command in "${implants[@]}"; do
         refresh && status=0
@@ -74,6 +75,20 @@ for limit in 1 100; do # KiB
         judge "a file-size limit of $limit KiB for $command" 0 "$status"
     done
 done
+# A pipe can be read to its end, but not be rewritten; the other disc still is.
+refresh && printed=$(cd now && timeout 10 "$program" implantd64 savegame.dat /dev/stdin disc3.d64 < <(cat disc2.d64))
+cmp -s {now,new}/disc3.d64 || printed+=" disc3.d64 is not rewritten"
+judge "a pipe for a medium" "File:</dev/stdin> not creatable." "${printed#*builds!}"
+# Memory that runs out, where the program can start with so little (under AddressSanitizer it cannot).
+truncate -s 1G huge
+if (ulimit -v 300000 && "$program" >/dev/null 2>&1); then
+    for command in "check savegame.dat /dev/zero no no" "extractreu ../huge savegame.dat"; do
+        refresh && status=0
+        # shellcheck disable=SC2086
+        (ulimit -v 300000 && cd now && "$program" $command >/dev/null) || status=$?
+        judge "little memory for $command" 1 "$status"
+    done
+fi
 # Without the rights that root has over files.
 asNobody=()
 [ "$(id -u)" -ne 0 ] || asNobody=(setpriv --reuid=65534 --regid=65534 --clear-groups)

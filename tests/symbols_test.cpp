@@ -87,7 +87,7 @@ TEST_F(SymbolReader, gameFlagsGetTheirBitsInOrder) {
         {".flags A, 2147483647\n.flags B, 2147483647 .flags C, 3 .flag D",
         "0 A:0+2147483647 B:2147483647+2147483647 C:-2+3 D:1+1"},
         {".flag A\n.flags B 3\n.flag C", problem + " A:0+1"}, {".flags A, $03", problem},
-        {".flags A, 2147483648", problem}, {".flags A, -99999999999999999999", problem}, {".flags A", problem},
+        {".flags A, 2147483648", problem}, {".flags A, -2147483649", problem}, {".flags A, -99999999999999999999", problem}, {".flags A", problem},
         {".flags A \";\"", problem}, {".flags", problem}};
     // clang-format on
     for (const auto& [text, expected] : cases) EXPECT_EQ(read(text, "", ""), expected) << text;
@@ -99,7 +99,8 @@ TEST_F(SymbolReader, worldFlagsAreTheSumsOfTheirTerms) {
         {"W = -1.5 0.6", "0"}, {"W = 0x10", "16"}, {"W = 0x1.8p3x", "12"}, {"W = $10", "0"}, {"W 3 4", "4"},
         {"W", "0"}, {"W 5", "0"}, {"W = \" 7\" , 1e1", "17"}, {"W = info", "-2147483648"}, {"W = 1e999 + 2", "2"},
         {"W = nanny + 5", "-2147483643"}, {"W = 2147483647 + 1 + 1", "-2147483647"}, {"W = 9 ; W = 6", "6"},
-        {"W = -2147483649 + 1", "-2147483647"}, {"W = 2147483647.5", "2147483647"}, {"include = 1;W = 5", "5"}};
+        {"W = -2147483649 + 1", "-2147483647"}, {"W = 2147483647.5", "2147483647"}, {"W = 7\n\";\"", "7"},
+        {"include = 1;W = 5", "5"}};
     // clang-format on
     std::filesystem::create_directories("generated/a");
     for (const auto& [text, sum] : cases) {
@@ -113,6 +114,9 @@ TEST_F(SymbolReader, worldFlagsAreTheSumsOfTheirTerms) {
     EXPECT_EQ(read("", "include w.inc", ""), "0");
     EXPECT_EQ(read("", "#AsmSectionBegin\nx include w.inc include", ""), "1x_include_w.inc_include_");
     EXPECT_EQ(read("", "#AsmSectionBegin\ninclude a", ""), "1include_") << "a folder is no file";
+    std::filesystem::create_directory("generated\\f");
+    writeFile("generated/f", "W = 1");
+    EXPECT_EQ(read("", "#AsmSectionBegin\ninclude f", ""), "1include_") << "nor is one in the place that comes first";
 }
 
 TEST_F(SymbolReader, collectablesGetTheirIds) {

@@ -33,15 +33,12 @@ std::optional<std::size_t> sizeBySeeking(const File& file) {
 template <typename Bytes>
 bool readToEnd(const File& file, Bytes& bytes) {
     std::size_t count = 0;
-    while (count < fileSizeLimit) {
+    do {
         if (count == bytes.size()) bytes.resize(std::clamp(count * 2, leastReadSize, fileSizeLimit));
         count += std::fread(bytes.data() + count, 1, bytes.size() - count, file.get());
-        if (count < bytes.size()) {
-            bytes.resize(count);
-            return std::ferror(file.get()) == 0;
-        }
-    }
-    return false;
+    } while (count == bytes.size() && count < fileSizeLimit);
+    bytes.resize(count);
+    return count < fileSizeLimit && std::ferror(file.get()) == 0;
 }
 
 bool readWhole(const File& file, ByteVector& bytes) {

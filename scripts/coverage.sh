@@ -1,0 +1,12 @@
+#!/usr/bin/env bash
+# Prints which lines and branches of src/ the tests reach, and fails where a line is left out.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+
+scripts/install.sh cmake g++ ninja-build libgtest-dev gcovr strace
+cmake --preset coverage >/dev/null
+cmake --build --preset coverage >/dev/null
+find out/coverage -name '*.gcda' -delete
+ctest --preset coverage --quiet
+gcovr --root . --filter src/ --exclude-throw-branches --exclude-unreachable-branches --branches out/coverage
+gcovr --root . --filter src/ --exclude-throw-branches --exclude-unreachable-branches --fail-under-line 100 out/coverage
