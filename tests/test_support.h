@@ -1,14 +1,15 @@
 // What tests and fuzz targets share: a folder of their own, files in it, and whole commands run in this process.
 #pragma once
 
+#include <gtest/gtest.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <iterator>
-#include <random>
 #include <string>
 #include <vector>
 
@@ -27,28 +28,17 @@ inline void writeFile(const std::string& path, std::string_view bytes) {
 
 /// `size` bytes without an obvious pattern, other ones for every `seed`.
 inline std::string noise(std::size_t size, unsigned seed) {
-    std::minstd_rand random(seed + 1);
-    std::string bytes(size, '\0');
-    std::generate(bytes.begin(), bytes.end(), [&] { return static_cast<char>(random() >> 8); });
+    std::string bytes;
+    for (unsigned i = 0; i < size; ++i) bytes += static_cast<char>((i + seed) * (i + 77) * 2654435761U >> 24);
     return bytes;
 }
 
 /// What `call` prints.
 template <typename Call>
 std::string captured(Call call) {
-    std::FILE* const file = std::tmpfile();
-    std::fflush(stdout);
-    const int console = dup(fileno(stdout));
-    dup2(fileno(file), fileno(stdout));
+    testing::internal::CaptureStdout();
     call();
-    std::fflush(stdout);
-    dup2(console, fileno(stdout));
-    close(console);
-    std::string text(static_cast<std::size_t>(std::ftell(file)), '\0');
-    std::rewind(file);
-    text.resize(std::fread(text.data(), 1, text.size(), file));
-    std::fclose(file);
-    return text;
+    return testing::internal::GetCapturedStdout();
 }
 
 /// Runs the command line "stashkeep ARGUMENTS...". Returns its exit status as a digit, and then what it prints behind

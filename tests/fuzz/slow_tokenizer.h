@@ -19,20 +19,19 @@ inline TokenList splitSlowly(const std::string& text, std::string* sectionText) 
         if (token == "," || (token == ";" && !tokens.empty() && tokens.back() != ";")) tokens.push_back(token);
     };
     for (std::size_t i = 0; i < text.size(); ++i) {
+        const auto isMarker = [&](const std::string& marker) {
+            return sectionText != nullptr && text.compare(i, marker.size(), marker) == 0;
+        };
         const char c = text[i];
         const char next = i + 1 < text.size() ? text[i + 1] : '\0';
-        if (isQuoted && c == '\\' && (next == 'n' || next == '\\' || next == '"' || next == '\t')) {
-            pending += next == 'n' ? '\n' : next;
-            ++i;
-        } else if (isQuoted) {
-            isQuoted = c != '"';
-            if (isQuoted) pending += c;
-        } else if (sectionText != nullptr && text.compare(i, asmSectionBegin.size(), asmSectionBegin) == 0) {
-            isSection = true;
-            i += asmSectionBegin.size();
-        } else if (sectionText != nullptr && text.compare(i, asmSectionEnd.size(), asmSectionEnd) == 0) {
-            isSection = false;
-            i += asmSectionEnd.size();
+        if (isQuoted) {
+            const bool isEscape = c == '\\' && (next == 'n' || next == '\\' || next == '"' || next == '\t');
+            if (isEscape) ++i;
+            isQuoted = isEscape || c != '"';
+            if (isQuoted) pending += !isEscape ? c : next == 'n' ? '\n' : next;
+        } else if (isMarker(asmSectionBegin) || isMarker(asmSectionEnd)) {
+            isSection = isMarker(asmSectionBegin);
+            i += (isSection ? asmSectionBegin : asmSectionEnd).size();
         } else if (isSection) {
             *sectionText += c;
         } else if (c == '\r' || c == '\n' || (c == ';' && !isComment)) {
