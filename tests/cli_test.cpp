@@ -1,6 +1,10 @@
 // The front end, and the files below everything.
 #include <gtest/gtest.h>
+#ifdef _WIN32
+#include <windows.h>
+#else
 #include <sys/stat.h>
+#endif
 
 #include <thread>
 
@@ -48,10 +52,23 @@ TEST_F(LoadFile, readsWhatIsAFileAndComplainsOfTheRest) {
 }
 
 TEST_F(LoadFile, readsAPipeUntilItEnds) {
-    ASSERT_EQ(mkfifo("pipe", 0600), 0);
     for (const std::size_t size : {0U, 1U, 0x10000U, 0x30001U}) {
-        std::thread writer([&] { writeFile("pipe", noise(size, 1)); });
-        EXPECT_EQ(load("pipe"), noise(size, 1));
+        const std::string bytes = noise(size, 1);
+#ifdef _WIN32
+        const std::string path = R"(\\.\pipe\stashkeep)";
+        const HANDLE pipe = CreateNamedPipeA(path.c_str(), PIPE_ACCESS_OUTBOUND, PIPE_TYPE_BYTE, 1, 0, 0, 0, nullptr);
+        std::thread writer([&] {
+            DWORD written = 0;
+            ConnectNamedPipe(pipe, nullptr);
+            WriteFile(pipe, bytes.data(), static_cast<DWORD>(size), &written, nullptr);
+            CloseHandle(pipe);
+        });
+#else
+        const std::string path = "pipe" + std::to_string(size);
+        ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);
+        std::thread writer([&] { writeFile(path, bytes); });
+#endif
+        EXPECT_EQ(load(path), bytes);
         writer.join();
     }
 }
