@@ -36,7 +36,9 @@ inline std::string noise(std::size_t size, unsigned seed) {
 /// What `call` prints.
 template <typename Call>
 std::string captured(Call call) {
-    std::FILE* const file = std::tmpfile();
+    // By a name of its own, since Windows at times gives two programs the same temporary file.
+    const auto path = std::filesystem::temp_directory_path() / ("printed" + std::to_string(getpid()));
+    std::FILE* const file = std::fopen(path.string().c_str(), "w+b");
     std::fflush(stdout);
     const int console = dup(fileno(stdout));
     dup2(fileno(file), fileno(stdout));
@@ -48,6 +50,7 @@ std::string captured(Call call) {
     std::rewind(file);
     text.resize(std::fread(text.data(), 1, text.size(), file));
     std::fclose(file);
+    std::filesystem::remove(path);
     return text;
 }
 
