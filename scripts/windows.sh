@@ -207,3 +207,8 @@ expect 0 '' extractreu game.reu NUL
 expect 1 $'File:<Q:\\ディスク.reu> not found or not readable.\r\nFile:<Q:\\ディスク.reu> not a valid Zarnis memory image.\r' \
     extractreu 'Q:\ディスク.reu' out.dat
 expect 1 $'File:<Z:> not found or not readable.\r\nFile:<Z:> not a valid Zarnis memory image.\r' extractreu Z: out.dat
+# Read as text, so that a line break inside quotes arrives, and is printed, as one.
+printf '#AsmSectionBegin\r\n"x\r\ny"\r\n#AsmSectionEnd\r\n' >quoted.asm
+expect 1 $'x\r\ny_;_generateSaveGame collectableids.asm file problem!\r
+problem loading flags files; flagsFileName=<flags.asm>, asmWorldFlags=<quoted.asm>, collectableIds=<no.asm>\r' \
+    check savegame.dat flags.asm no.asm quoted.asm
