@@ -1,9 +1,8 @@
 // The front end, and the files below everything.
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 #ifdef _WIN32
 #include <windows.h>
-#else
-#include <sys/stat.h>
 #endif
 
 #include <thread>

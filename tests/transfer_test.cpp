@@ -10,9 +10,8 @@ namespace stashkeep {
 namespace {
 
 #ifdef _WIN32  // where a file's read-only mark holds for everyone
-using uid_t = int;
-uid_t geteuid() { return 1; }
-int seteuid(uid_t) { return 0; }
+int geteuid() { return 1; }
+int seteuid(int) { return 0; }
 #endif
 
 std::string d64Refusal(const std::string& path) { return "File:<" + path + "> not a valid Zarnis 40 tracks d64.\n"; }
@@ -71,7 +70,7 @@ TEST_F(D64, aDiscThatCannotBeWrittenLeavesTheOtherToBeWritten) {
     writeFile("data", noise(1024, 9));
     std::filesystem::permissions("Disc2", std::filesystem::perms(0444));
     std::filesystem::permissions("disc 3", std::filesystem::perms(0666));
-    const uid_t user = geteuid();
+    const auto user = geteuid();
     ASSERT_EQ(seteuid(user == 0 ? 65534 : user), 0);  // without the rights that root has over files
     EXPECT_EQ(run({"implantd64", "data", "Disc2", "disc 3"}), "0File:<Disc2> not creatable.\n");
     ASSERT_EQ(seteuid(user), 0);
