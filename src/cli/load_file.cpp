@@ -14,15 +14,18 @@ namespace {
 constexpr std::size_t fileSizeLimit = 0x80000000;  // bytes; the first size that is too large
 constexpr std::size_t leastReadSize = 0x10000;     // bytes asked for at once when a size is unknown
 
-bool isFolder(const File& file) {
+bool isOfKind(const File& file, mode_t kind) {
     struct stat status {};
-    return fstat(fileno(file.get()), &status) == 0 && S_ISDIR(status.st_mode);
+    return fstat(fileno(file.get()), &status) == 0 && (status.st_mode & S_IFMT) == kind;
 }
+
+/// False where there is no place to go to. Some systems claim success at seeking in a pipe.
+bool seek(const File& file, int origin) { return !isOfKind(file, S_IFIFO) && fseeko(file.get(), 0, origin) == 0; }
 
 /// The size of a file that can be sought in, in bytes; leaves the position at the start.
 std::optional<std::size_t> sizeBySeeking(const File& file) {
-    if (std::fseek(file.get(), 0, SEEK_END) != 0) return std::nullopt;
-    const long size = std::ftell(file.get());
+    if (!seek(file, SEEK_END)) return std::nullopt;
+    const off_t size = ftello(file.get());
     std::rewind(file.get());
     // A position too large for its type is a size too large for us.
     return size < 0 ? fileSizeLimit : static_cast<std::size_t>(size);
@@ -55,7 +58,7 @@ bool readWhole(const File& file, ByteVector& bytes) {
 
 File openFile(const char* path, const char* mode) {
     File file(std::fopen(path, mode));
-    if (file && isFolder(file)) file.reset();
+    if (file && isOfKind(file, S_IFDIR)) file.reset();
     if (file) static_cast<void>(std::setvbuf(file.get(), nullptr, _IONBF, 0));
     return file;
 }
@@ -92,7 +95,7 @@ std::optional<std::string> readText(const File& file) {
 
 void rewriteFile(const char* path, const ByteVector& bytes) {
     const File file = openFile(path, "r+b");
-    if (!file || std::fseek(file.get(), 0, SEEK_SET) != 0) {
+    if (!file || !seek(file, SEEK_SET)) {
         printOut("File:<%s> not creatable.\n", path);
         return;
     }
