@@ -14,6 +14,7 @@ _stashkeep_data_file() {
 }
 
 _stashkeep() {
+    # shellcheck disable=SC2034 # _init_completion sets them all
     local cur prev words cword
     _init_completion || return
 
