@@ -133,7 +133,7 @@ explained() {
         for line in "${lines[@]}"; do [[ $line != ${patterns[i]} ]] || continue 2; done
         complain "$1: nothing prints: ${spans[i]}"
     done
-    echo "$1: ${#lines[@]} different lines that are printed, all explained"
+    echo "$1: ${#lines[@]} different lines that are printed looked up in its table"
 }
 
 # The messages: everything that can go wrong
