@@ -1,0 +1,89 @@
+#!/usr/bin/env bash
+# Makes the packages for Linux in out/packages/, a .deb and a .tar.gz with a program that needs no
+# library, and checks them: each is built twice, in different folders, and has to be the same to the
+# byte; lintian has to find nothing; the .deb is installed, tried out and removed.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+root=$PWD
+
+scripts/install.sh binutils cmake dpkg-dev g++ lintian man-db ninja-build
+unset CFLAGS CPPFLAGS CXXFLAGS LDFLAGS DESTDIR
+export LC_ALL=C.UTF-8 TZ=UTC
+# All times in the packages are that of the release.
+SOURCE_DATE_EPOCH=$(dpkg-parsechangelog -l packaging/debian/changelog -S Timestamp)
+export SOURCE_DATE_EPOCH
+
+work=$(mktemp -d)
+# Another kind of file system lists files in another order.
+elsewhere=/dev/shm
+[ -w $elsewhere ] || elsewhere=${TMPDIR:-/tmp}
+second=$(mktemp -d -p "$elsewhere")
+clean() { rm -rf "$work" "$second"; }
+trap clean EXIT
+say() { printf '\n== %s\n' "$*"; }
+
+# build FOLDER: both packages, from a copy of the sources in FOLDER
+build() (
+    mkdir -p "$1"
+    tar -C "$root" --exclude=./.git --exclude=./build --exclude=./out -cf - . | tar -C "$1" -xf -
+    cd "$1"
+    cmake -S . -B shared -G Ninja -DCMAKE_INSTALL_PREFIX=/usr -DSTASHKEEP_STATIC=OFF
+    cmake -S . -B static -G Ninja -DSTASHKEEP_STATIC=ON
+    cmake --build shared
+    cmake --build static
+    cpack --config shared/CPackConfig.cmake -G DEB -B packages
+    cpack --config static/CPackConfig.cmake -G TGZ -B packages
+)
+
+# tryExample PROGRAM DOCUMENTS: checks the savegame that is installed, and compares what is printed
+tryExample() (
+    cd "$2/examples"
+    "$1" check savegame.dat scripts/common/global/scr_{flags,collectableids,globaldefines}.asm |
+        diff <(withoutWarning "$root/tests/expected/example_check.txt") <(withoutWarning /dev/stdin)
+)
+withoutWarning() { sed 's/^Be aware .* builds!//' "$1"; }
+
+say "Building twice"
+build "$work/first" >"$work/log" 2>&1 || { cat "$work/log" >&2 && exit 1; }
+(umask 077 && build "$second/in a much longer path" >"$work/log" 2>&1) || { cat "$work/log" >&2 && exit 1; }
+rm -rf out/packages
+mkdir -p out/packages
+cp "$work"/first/packages/*.{deb,tar.gz} out/packages
+(cd out/packages && sha256sum -- *.deb *.tar.gz) | tee "$work/sums"
+(cd "$second/in a much longer path/packages" && sha256sum -c "$work/sums")
+deb=$(echo out/packages/*.deb)
+archive=$(echo out/packages/*.tar.gz)
+
+say "$archive: $(wc -c <"$archive") bytes"
+tar -tvzf "$archive"
+tar -xzf "$archive" -C "$work"
+unpacked=$work/$(basename "$archive" .tar.gz)
+if readelf -ld "$unpacked/bin/stashkeep" | grep -E 'INTERP|NEEDED'; then
+    echo "$archive: its program needs libraries" >&2
+    exit 1
+fi
+tryExample "$unpacked/bin/stashkeep" "$unpacked/share/doc/stashkeep"
+echo "Its program runs and needs no library."
+scripts/check_completions.sh "$unpacked"
+
+say "$deb: $(wc -c <"$deb") bytes"
+dpkg-deb --info "$deb"
+dpkg-deb --contents "$deb"
+lintian --allow-root --fail-on error,warning --display-info --pedantic "$deb"
+echo "$(lintian --version): no error, no warning"
+
+say "Installed, tried out and removed"
+asRoot=()
+[ "$(id -u)" -eq 0 ] || asRoot=(sudo)
+"${asRoot[@]}" dpkg -i "$deb"
+trap '"${asRoot[@]}" dpkg --purge stashkeep >/dev/null 2>&1 || :; clean' EXIT
+dpkg -L stashkeep >"$work/files"
+dpkg --verify stashkeep
+[ "$(type -P stashkeep)" = /usr/bin/stashkeep ]
+tryExample stashkeep /usr/share/doc/stashkeep
+man -w stashkeep
+scripts/check_completions.sh
+"${asRoot[@]}" dpkg --purge stashkeep
+while read -r file; do
+    [ -d "$file" ] || [ ! -e "$file" ] || { echo "$file is still there" >&2 && exit 1; }
+done <"$work/files"
