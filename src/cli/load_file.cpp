@@ -1,5 +1,8 @@
 #include "cli/load_file.h"
 
+#ifdef __linux__
+#include <sys/mman.h>
+#endif
 #include <sys/stat.h>
 
 #include <algorithm>
@@ -48,6 +51,8 @@ bool readWhole(const File& file, ByteVector& bytes) {
     const std::optional<std::size_t> size = sizeBySeeking(file);
     if (!size) return readToEnd(file, bytes);
     if (*size >= fileSizeLimit) return false;
+    bytes.reserve(*size);
+    useLargePages(bytes.data(), *size);
     bytes.resize(*size);
     // A file that has shrunk meanwhile leaves zeros behind; one that fails must not.
     readBytes(file, bytes.data(), bytes.size());
@@ -88,9 +93,20 @@ std::optional<std::string> readText(const File& file) {
     std::string text;
     const std::size_t size = sizeBySeeking(file).value_or(0);
     if (size >= fileSizeLimit) return std::nullopt;
+    text.reserve(size + 1);
+    useLargePages(text.data(), size);
     text.resize(size + 1);
     if (!readToEnd(file, text)) return std::nullopt;
     return text;
+}
+
+void useLargePages([[maybe_unused]] const void* start, [[maybe_unused]] std::size_t size) {
+#ifdef MADV_HUGEPAGE
+    constexpr std::size_t largePage = 0x200000;  // bytes, and its alignment
+    void* first = const_cast<void*>(start);
+    if (std::align(largePage, largePage, first, size) == nullptr) return;
+    static_cast<void>(madvise(first, size / largePage * largePage, MADV_HUGEPAGE));
+#endif
 }
 
 void rewriteFile(const char* path, const ByteVector& bytes) {

@@ -7,6 +7,7 @@
 #include <string_view>
 #include <utility>
 
+#include "cli/load_file.h"
 #include "symbols/symbol_tables.h"
 
 namespace stashkeep {
@@ -136,6 +137,7 @@ const char* skipCommentAndSections(const char* at, const char* end) {
 TokenList scan(std::string&& text, const char* (*skipNumberSign)(const char* at, const char* end)) {
     Tokens tokens;
     tokens.list.reserve(text.size() / usualTokenSize);
+    useLargePages(tokens.list.data(), tokens.list.capacity() * sizeof(std::string));
     const char* at = text.data();
     const char* const end = at + text.size();
     while (at != end) {
