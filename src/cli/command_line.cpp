@@ -1,3 +1,4 @@
+// The command words and the usage text are tables; what is left to do is to find the one or to print the other.
 #include "cli/command_line.h"
 
 #include <algorithm>

@@ -1,3 +1,5 @@
+// Files go through the C library's streams, without buffers: a whole file is one read, and one write back. Media are
+// opened for update and not created anew, since what a faulty write leaves has to be a whole medium.
 #include "cli/load_file.h"
 
 #ifdef __linux__

@@ -1,3 +1,4 @@
+// A thin layer over vprintf, so that there is one place through which all output goes.
 #include "cli/print_out.h"
 
 #include <cstdarg>

@@ -1,3 +1,4 @@
+// Everything that can fail comes first; from the first heading on, only printing is left.
 #include "inspect/check_command.h"
 
 #include "cli/load_file.h"

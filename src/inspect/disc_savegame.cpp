@@ -1,3 +1,4 @@
+// What fields mean that are more than a byte: checksums, composed numbers and the bits of flags.
 #include "inspect/disc_savegame.h"
 
 #include <functional>

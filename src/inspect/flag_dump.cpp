@@ -1,3 +1,4 @@
+// The tables come from files, so a flag may claim any bits: only those of the area are read, and never more than 32.
 #include "inspect/flag_dump.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// The report line by line, in the order in which it is printed, and the names of the items.
 #include "inspect/savegame_report.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// Defined in one file, so that they are built in this order, and destroyed in the reverse one.
 #include "symbols/symbol_tables.h"
 
 namespace stashkeep {

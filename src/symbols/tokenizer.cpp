@@ -1,3 +1,5 @@
+// One scanner serves both tokenizers. It takes runs of bytes of one class at a time; what a quote, a comment or a
+// section holds is taken in one go as well, so that the scanner itself knows but one state.
 #include "symbols/tokenizer.h"
 
 #include <algorithm>

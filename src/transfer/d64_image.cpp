@@ -1,3 +1,4 @@
+// An image of the right size holds both sectors: its size is all that is tested.
 #include "transfer/d64_image.h"
 
 #include <algorithm>

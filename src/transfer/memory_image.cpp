@@ -1,3 +1,4 @@
+// The image itself tells where its pages are, and may be any file: no offset is used before it is tested.
 #include "transfer/memory_image.h"
 
 #include <algorithm>

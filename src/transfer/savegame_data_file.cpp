@@ -1,3 +1,4 @@
+// Writing the data file; it is read page by page, straight into the place of each page.
 #include "transfer/savegame_data_file.h"
 
 #include "cli/load_file.h"
