@@ -72,8 +72,8 @@ struct MemoryImage : Transfer {
 };
 
 TEST_F(MemoryImage, pointsAtThePagesOfTheSavegame) {
-    const std::array<std::uint32_t, 4> pages{0x3000, 0x2F00, 0x20000, 0x110C};
-    make(0x20100, pages);
+    const std::array<std::uint32_t, 4> pages{0x3000, 0x2F00, 0x500000, 0x110C};
+    make(0x500100, pages);
     for (std::size_t i = 0; i < 4; ++i) fillPage("image", pages[i], i);
     expect({"implantreu", "data", "image"}, "0");
     files["data"].clear();
