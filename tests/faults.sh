@@ -5,9 +5,10 @@
 set -euo pipefail
 
 command -v strace >/dev/null || { echo "skipped: strace is not installed" && exit 77; }
-program=$(realpath "$1")
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
+program=$work/program # by a path without blanks
+cp "$1" "$program"
 chmod 755 "$work" && cd "$work" && mkdir old new now
 
 media=(disc2.d64 disc3.d64 game.reu)
