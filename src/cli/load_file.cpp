@@ -36,8 +36,8 @@ std::optional<std::size_t> sizeBySeeking(const File& file) {
     return size < 0 ? fileSizeLimit : static_cast<std::size_t>(size);
 }
 
-/// Fills `bytes` from `file`, starting with one read of the size that it comes with and enlarging
-/// it until the file ends. False when reading fails or when the size limit is reached.
+/// Fills `bytes` from `file`, starting with one read of the size that `bytes` has and enlarging it
+/// until the file ends. False when reading fails or when the size limit is reached.
 template <typename Bytes>
 bool readToEnd(const File& file, Bytes& bytes) {
     std::size_t count = 0;
@@ -54,7 +54,7 @@ bool readWhole(const File& file, ByteVector& bytes) {
     if (!size) return readToEnd(file, bytes);
     if (*size >= fileSizeLimit) return false;
     bytes.reserve(*size);
-    useLargePages(bytes.data(), *size);
+    hintLargePages(bytes.data(), *size);
     bytes.resize(*size);
     // A file that has shrunk meanwhile leaves zeros behind; one that fails must not.
     readBytes(file, bytes.data(), bytes.size());
@@ -96,18 +96,18 @@ std::optional<std::string> readText(const File& file) {
     const std::size_t size = sizeBySeeking(file).value_or(0);
     if (size >= fileSizeLimit) return std::nullopt;
     text.reserve(size + 1);
-    useLargePages(text.data(), size);
+    hintLargePages(text.data(), size);
     text.resize(size + 1);
     if (!readToEnd(file, text)) return std::nullopt;
     return text;
 }
 
-void useLargePages([[maybe_unused]] const void* start, [[maybe_unused]] std::size_t size) {
+void hintLargePages([[maybe_unused]] void* start, [[maybe_unused]] std::size_t size) {
 #ifdef MADV_HUGEPAGE
     constexpr std::size_t largePage = 0x200000;  // bytes, and its alignment
-    void* first = const_cast<void*>(start);
-    if (std::align(largePage, largePage, first, size) == nullptr) return;
-    static_cast<void>(madvise(first, size / largePage * largePage, MADV_HUGEPAGE));
+    // Moves the start to the first large page, and shortens the size by as much.
+    if (std::align(largePage, largePage, start, size) == nullptr) return;
+    static_cast<void>(madvise(start, size / largePage * largePage, MADV_HUGEPAGE));
 #endif
 }
 

@@ -1,4 +1,5 @@
-// Whole files: opening them, reading them into memory, and writing media back over themselves.
+// Whole files: opening them, reading them into memory, and writing media back over themselves; and what makes memory
+// for large ones quick to get.
 #pragma once
 
 #include <cstddef>
@@ -40,7 +41,7 @@ void writeBytes(const File& file, const void* bytes, std::size_t size);
 
 /// Tells the system that the `size` bytes of memory from `start` on, not touched yet, are going to be
 /// filled. Where it can then provide them in large pages, that takes a fraction of the time.
-void useLargePages(const void* start, std::size_t size);
+void hintLargePages(void* start, std::size_t size);
 
 /// Writes `bytes` over the start of the existing file at `path` with one write. The file is never
 /// cut short: whatever interrupts the write, each of its bytes is the old one or the new one.

@@ -1,4 +1,5 @@
-// The one way to the console: everything that the program prints goes through here.
+// The one way to the console: everything that the program prints goes through here, and what every operation prints
+// stands here.
 #pragma once
 
 namespace stashkeep {

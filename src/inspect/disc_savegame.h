@@ -1,4 +1,4 @@
-// The two pages of one disc's savegame as the game lays them out in memory and on disc.
+// The two pages of one disc's savegame as the game lays them out in memory and on disc; see docs/formats.md.
 #pragma once
 
 #include <array>

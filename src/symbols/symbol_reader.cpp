@@ -32,13 +32,13 @@ namespace {
 using namespace std::string_view_literals;
 using Int32Limits = std::numeric_limits<std::int32_t>;
 
-/// As strtol reads it; none when it starts with no number, or with one beyond 32 bits.
-std::optional<std::int32_t> toInteger(const std::string& token) {
+/// As strtol reads it; throws when it starts with no number, or with one beyond 32 bits.
+std::int32_t toInteger(const std::string& token) {
     char* end = nullptr;
     errno = 0;
     const long value = std::strtol(token.c_str(), &end, 10);
-    if (end == token.c_str() || errno == ERANGE) return std::nullopt;
-    if (value < Int32Limits::min() || value > Int32Limits::max()) return std::nullopt;
+    const bool fits = errno != ERANGE && value >= Int32Limits::min() && value <= Int32Limits::max();
+    if (end == token.c_str() || !fits) throw std::runtime_error("not a number");
     return static_cast<std::int32_t>(value);
 }
 
@@ -52,29 +52,23 @@ std::optional<double> toDouble(const std::string& token) {
 }
 
 /// Truncates toward zero; what 32 bits cannot hold gives their lowest value.
-std::int32_t truncate(double value) {
+std::int32_t truncatedToInt32(double value) {
     const double whole = std::trunc(value);
     const bool fits = whole >= Int32Limits::min() && whole <= Int32Limits::max();
     return fits ? static_cast<std::int32_t>(whole) : Int32Limits::min();
 }
 
-/// The tokens of a whole file that openFile has opened, or has not.
+/// The tokens of a whole file; throws when it could not be opened (`file` is empty) or cannot be read.
 TokenList readTokens(const File& file, TokenList (*split)(std::string)) {
     std::optional<std::string> text = file ? readText(file) : std::nullopt;
     if (!text) throw std::runtime_error("file not readable");
     return split(*std::move(text));
 }
 
-std::int32_t readInteger(const std::string& token) {
-    const std::optional<std::int32_t> value = toInteger(token);
-    if (!value) throw std::runtime_error("not a number");
-    return *value;
-}
-
-/// Sets the entry of a name, which is taken from its token. Sources tend to name things in order, so
-/// that new names belong at the table's end.
+/// Sets the entry of a name. The name is taken out of its token, which no reader looks at again. Sources
+/// tend to name things in order, so that new names belong at the table's end.
 template <typename Table>
-void enter(Table& table, std::string& name, const typename Table::mapped_type& value) {
+void enter(Table& table, std::string&& name, const typename Table::mapped_type& value) {
     table.insert_or_assign(table.end(), std::move(name), value);
 }
 
@@ -85,12 +79,12 @@ void readGameFlags(const char* path) {
     std::size_t i = 0;
     while (i < tokens.size()) {
         if (tokens[i] == ".flag"sv) {
-            enter(gameFlagTable, tokens.at(i + 1), {static_cast<std::int32_t>(nextBit), 1});
+            enter(gameFlagTable, std::move(tokens.at(i + 1)), {static_cast<std::int32_t>(nextBit), 1});
             nextBit += 1;
             i += 2;
         } else if (tokens[i] == ".flags"sv) {
-            const std::int32_t bitCount = readInteger(tokens.at(i + 3));
-            enter(gameFlagTable, tokens[i + 1], {static_cast<std::int32_t>(nextBit), bitCount});
+            const std::int32_t bitCount = toInteger(tokens.at(i + 3));
+            enter(gameFlagTable, std::move(tokens[i + 1]), {static_cast<std::int32_t>(nextBit), bitCount});
             nextBit += static_cast<std::uint32_t>(bitCount);
             i += 4;
         } else {
@@ -118,7 +112,7 @@ File openIncluded(const std::string& name) {
 std::int32_t sumOfTerms(std::span<const std::string> statement) {
     std::int32_t sum = 0;
     for (std::size_t i = 2; i < statement.size(); ++i) {
-        if (const std::optional<double> term = toDouble(statement[i])) sum = truncate(sum + *term);
+        if (const std::optional<double> term = toDouble(statement[i])) sum = truncatedToInt32(sum + *term);
     }
     return sum;
 }
@@ -136,18 +130,17 @@ void readWorldFlags(const char* path) {
     }
     for (auto start = includeTokens.begin(); start != includeTokens.end();) {
         const auto stop = std::find(start, includeTokens.end(), statementEnd);
-        if (start != stop) enter(worldFlagTable, *start, {sumOfTerms({start, stop}), 1});
+        if (start != stop) enter(worldFlagTable, std::move(*start), {sumOfTerms({start, stop}), 1});
         start = std::next(stop);  // the last token ends a statement
     }
 }
 
 void readCollectableIds(const char* path) {
     TokenList tokens = readTokens(openFile(path, "r"), splitLine);
-    std::string noName;
     for (std::size_t i = 0; i < tokens.size(); ++i) {
         if (tokens[i] != "="sv) continue;
-        const std::int32_t id = readInteger(tokens.at(i + 1));
-        enter(collectableTable, i == 0 ? noName : tokens[i - 1], id);
+        const std::int32_t id = toInteger(tokens.at(i + 1));
+        enter(collectableTable, i == 0 ? std::string() : std::move(tokens[i - 1]), id);
     }
 }
 

@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
-#include <cstring>
+#include <exception>
 #include <string_view>
 #include <utility>
 
@@ -30,7 +30,8 @@ constexpr std::array<ByteClass, 256> byteClasses = [] {
 
 ByteClass classOf(char byte) { return byteClasses[static_cast<unsigned char>(byte)]; }
 
-/// Whether a byte of the class behind a word shows that nothing more belongs to it.
+/// Whether a word is complete when a byte of the class follows it; behind a quote or a number sign it
+/// may go on.
 constexpr bool endsWord(ByteClass byteClass) {
     return byteClass != ByteClass::quote && byteClass != ByteClass::numberSign;
 }
@@ -40,10 +41,6 @@ const char* skipClass(ByteClass byteClass, const char* at, const char* end) {
     while (at != end && classOf(*at) == byteClass) ++at;
     return at;
 }
-
-/// Bytes of text for each token, at the least, in sources as people write them. Making room for all
-/// tokens at once saves moving them; room that is not used is never touched.
-constexpr std::size_t usualTokenSize = 4;
 
 struct Tokens {
     TokenList list;
@@ -134,12 +131,22 @@ const char* skipCommentAndSections(const char* at, const char* end) {
     return at;
 }
 
-/// Splits `text`, which is scan's to use up; `skipNumberSign` takes a number sign and what it starts,
-/// and returns where plain text goes on.
-TokenList scan(std::string&& text, const char* (*skipNumberSign)(const char* at, const char* end)) {
+/// Makes room for the tokens of a text, which saves moving them over and over. Only a short cut: where
+/// memory is scarce, the list grows as it goes.
+void makeRoom(TokenList& tokens, std::size_t textSize) {
+    constexpr std::size_t usualTokenSize = 4;  // bytes of text for each token, at the least
+    try {
+        tokens.reserve(textSize / usualTokenSize);
+    } catch (const std::exception&) {  // enough for all the tokens that there are, perhaps
+    }
+    hintLargePages(tokens.data(), tokens.capacity() * sizeof(std::string));
+}
+
+/// Splits `text`; `skipNumberSign` takes a number sign and what it starts, and returns where plain
+/// text goes on.
+TokenList scan(std::string_view text, const char* (*skipNumberSign)(const char* at, const char* end)) {
     Tokens tokens;
-    tokens.list.reserve(text.size() / usualTokenSize);
-    useLargePages(tokens.list.data(), tokens.list.capacity() * sizeof(std::string));
+    makeRoom(tokens.list, text.size());
     const char* at = text.data();
     const char* const end = at + text.size();
     while (at != end) {
@@ -147,6 +154,7 @@ TokenList scan(std::string&& text, const char* (*skipNumberSign)(const char* at,
         switch (classOf(*start)) {
             case ByteClass::ordinary:
                 at = skipClass(ByteClass::ordinary, at, end);
+                // A word that nothing can join goes into the list without a stop in `pending`.
                 if (tokens.pending.empty() && at != end && endsWord(classOf(*at))) {
                     tokens.list.emplace_back(start, at);
                 } else {
@@ -179,8 +187,13 @@ TokenList scan(std::string&& text, const char* (*skipNumberSign)(const char* at,
 
 }  // namespace
 
-TokenList splitLine(std::string text) { return scan(std::move(text), skipComment); }
+// Both own their texts, so that these are gone before the tokens are used.
+// NOLINTBEGIN(performance-unnecessary-value-param)
+// cppcheck-suppress passedByValue
+TokenList splitLine(std::string text) { return scan(text, skipComment); }
 
-TokenList splitAsmLine(std::string text) { return scan(std::move(text), skipCommentAndSections); }
+// cppcheck-suppress passedByValue
+TokenList splitAsmLine(std::string text) { return scan(text, skipCommentAndSections); }
+// NOLINTEND(performance-unnecessary-value-param)
 
 }  // namespace stashkeep

@@ -1,6 +1,6 @@
 // Splitting the game's source files into tokens: words, "," for every comma, and ";" where a
-// statement ends (at a line end, a semicolon or the end of the text). No token is empty, and no
-// statement either.
+// statement ends (at a line end, a semicolon or the end of the text). No token is empty. A quoted
+// semicolon makes the same token as the end of a statement, so that a statement may be.
 //
 // Double quotes keep separators inside a word; in them a backslash before n, a backslash, a double
 // quote or a tab byte stands for a line feed or for that byte. A number sign starts a comment that
@@ -20,9 +20,9 @@ inline constexpr std::string_view statementEnd = ";";
 /// The tokens of a whole text. Throws std::bad_alloc when memory runs out.
 [[nodiscard]] TokenList splitLine(std::string text);
 
-/// The same, except that the text between "#AsmSectionBegin" and "#AsmSectionEnd" is appended to
-/// asmSectionText as it stands. A marker counts wherever it is not in quotes, in comments too, and
-/// takes the one byte behind it along.
+/// The same, except that the text between "#AsmSectionBegin" and "#AsmSectionEnd", or the end of the
+/// text, is appended as it stands to asmSectionText, which is the caller's to empty. A marker counts
+/// wherever it is not in quotes, in comments and sections too, and takes the one byte behind it along.
 [[nodiscard]] TokenList splitAsmLine(std::string text);
 
 }  // namespace stashkeep

@@ -1,6 +1,6 @@
 // Savegames in memory images: REU, GeoRAM, NeoRAM, and the ".ybn" and ".fbn" files of emulators.
 // All are handled alike: a table of four pointers, each an unsigned 32-bit little-endian image
-// offset, at fixed places in the image (pagePlaces) tells where the pages lie.
+// offset, at fixed places in the image (pagePlaces) tells where the pages lie; see docs/formats.md.
 #pragma once
 
 namespace stashkeep {
