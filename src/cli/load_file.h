@@ -35,7 +35,7 @@ void writeBytes(const File& file, const void* bytes, std::size_t size);
 /// prints "File:<path> not found or not readable." and returns an empty vector.
 [[nodiscard]] ByteVector loadFile(const char* path);
 
-/// All that is left to read in `file`; nothing when reading fails or when there are 2 GiB or more.
+/// All of an open file; nothing when reading fails or when there are 2 GiB or more.
 /// Throws std::bad_alloc when it does not fit into memory.
 [[nodiscard]] std::optional<std::string> readText(const File& file);
 

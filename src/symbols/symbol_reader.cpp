@@ -1,5 +1,5 @@
 // Each kind of file has its few token patterns, and a reader that looks for them. A file that fails ends its reading
-// with an exception; a number that does not convert is ordinary input, and no exception.
+// with an exception; a term that does not convert is ordinary input, and costs none.
 #include "symbols/symbol_reader.h"
 
 #ifndef _WIN32
