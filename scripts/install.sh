@@ -10,6 +10,9 @@ done
 [ ${#missing[@]} -gt 0 ] || exit 0
 
 asRoot=(env DEBIAN_FRONTEND=noninteractive)
-[ "$(id -u)" -eq 0 ] || asRoot=(sudo "${asRoot[@]}")
+if [ "$(id -u)" -ne 0 ]; then
+    command -v sudo >/dev/null || { echo "Install these as root, or install sudo: ${missing[*]}" >&2 && exit 1; }
+    asRoot=(sudo "${asRoot[@]}")
+fi
 "${asRoot[@]}" apt-get update -qq
 "${asRoot[@]}" apt-get install -qq -y --no-install-recommends "${missing[@]}" >/dev/null

@@ -3,6 +3,7 @@
 # length, and each of its bytes is the old one or the one that an implant without faults would have put there.
 # shellcheck disable=SC2086 # commands and lists of files are words
 set -euo pipefail
+umask 022 # others have to reach the media
 
 command -v strace >/dev/null || { echo "skipped: strace is not installed" && exit 77; }
 work=$(mktemp -d)
@@ -42,7 +43,7 @@ try() {
 inject() {
     local expected=$1 fault=$2 call=$3 files=${4//@/-P } count n
     shift 4
-    count=$(cp old/* now && cd now && strace -o /dev/stdout -e "trace=$call" $files "$program" "$@" 2>&1 | grep -c "^$call(")
+    count=$(rm -f now/* && cp old/* now && cd now && strace -o /dev/stdout -e "trace=$call" $files "$program" "$@" 2>&1 | grep -c "^$call(")
     for ((n = 1; n <= count; n++)); do
         try "$fault at $call $n of $*" "$expected" strace -e "inject=$call:$fault:when=$n" $files "$program" "$@"
     done

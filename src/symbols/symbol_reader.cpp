@@ -51,7 +51,7 @@ std::optional<double> toDouble(const std::string& token) {
     return value;
 }
 
-/// Truncates toward zero; what 32 bits cannot hold gives their lowest value.
+/// Truncates towards zero; what 32 bits cannot hold gives their lowest value.
 std::int32_t truncatedToInt32(double value) {
     const double whole = std::trunc(value);
     const bool fits = whole >= Int32Limits::min() && whole <= Int32Limits::max();
