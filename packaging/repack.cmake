@@ -6,13 +6,13 @@ function(run)
 endfunction()
 
 # Writes the size of what is installed into a .deb's control file, as Debian counts it: in KiB, each
-# file rounded up, and 1 for each folder.
+# file rounded up, and 1 for each folder and link.
 function(write_installed_size folder)
   set(total 0)
   file(GLOB_RECURSE paths LIST_DIRECTORIES true ${folder}/usr/*)
   foreach(path IN LISTS paths)
     set(size 1024)
-    if(NOT IS_DIRECTORY ${path})
+    if(NOT IS_DIRECTORY ${path} AND NOT IS_SYMLINK ${path})
       file(SIZE ${path} size)
     endif()
     math(EXPR total "${total} + (${size} + 1023) / 1024")

@@ -21,6 +21,10 @@ printf '#AsmSectionBegin\ninclude "world.inc"\n#AsmSectionEnd\n' >world.asm
 awk 'BEGIN { for (i = 0; i < 45; i++) printf "COLLECTABLE_THING_%d = %d\n", i, i }' >ids.asm
 awk 'BEGIN { for (i = 0; i < 550000; i++) printf "COLLECTABLE_THING_%06d = %d\n", i, i % 200 }' >many_ids.asm
 awk 'BEGIN { for (i = 0; i < 890000; i++) printf ".flag FLAG_%07d\n", i }' >many_flags.asm
+{ echo '#AsmSectionBegin' && awk 'BEGIN { for (i = 0; i < 500000; i++) printf "lda #%d ; comment %06d of it\n", i % 256, i }' &&
+    echo '#AsmSectionEnd'; } >section.asm
+awk 'BEGIN { for (i = 0; i < 350000; i++) printf "WORLDFLAG_ROOM_VISITED_%06d = START + %d\n", i, i }' >generated/big.inc
+printf '#AsmSectionBegin\ninclude big.inc\n' >include.asm
 : >empty.asm
 { head -c 2304 && printf '\0\0\1\0    \0\0\2\0' && head -c 2036 && printf '\0\0\3\0    \0\0\4\0' && head -c 16772852; } \
     </dev/urandom >game.reu
@@ -56,10 +60,13 @@ compare 200 "extractreu game.reu out.dat" "./least game.reu"
 compare 200 "implantreu savegame.dat copy.reu" "cp game.reu copy.reu"
 compare 30 "check savegame.dat empty.asm many_ids.asm empty.asm" "wc many_ids.asm"
 compare 30 "check savegame.dat many_flags.asm empty.asm empty.asm" "wc many_flags.asm"
+compare 30 "check savegame.dat empty.asm empty.asm section.asm" "wc section.asm"
+compare 30 "check savegame.dat empty.asm empty.asm include.asm" "wc generated/big.inc"
 
 printf '\n| run | instructions |\n|---|---|\n'
 for arguments in "check savegame.dat" "check savegame.dat flags.asm ids.asm world.asm" \
-    "check savegame.dat empty.asm many_ids.asm empty.asm" "check savegame.dat many_flags.asm empty.asm empty.asm"; do
+    "check savegame.dat empty.asm many_ids.asm empty.asm" "check savegame.dat many_flags.asm empty.asm empty.asm" \
+    "check savegame.dat empty.asm empty.asm section.asm" "check savegame.dat empty.asm empty.asm include.asm"; do
     # shellcheck disable=SC2086 # the arguments are words
     count=$(valgrind --tool=callgrind --callgrind-out-file=/dev/null ./stashkeep $arguments 2>&1 >/dev/null |
         sed -n 's/.*Collected : //p')

@@ -108,9 +108,10 @@ zle-line-init() {
 zle -N zle-line-init
 END
 
-# inShell PROGRAM...: runs a shell without the user's own settings
+# inShell PROGRAM...: runs a shell without the user's own settings, except where to look
 inShell() {
     local found=(HOME="$work/home" PATH="$PATH" TERM=dumb LC_ALL=C.UTF-8)
+    found+=(${XDG_DATA_DIRS:+"XDG_DATA_DIRS=$XDG_DATA_DIRS"} ${FPATH:+"FPATH=$FPATH"})
     [ -z "$prefix" ] || found+=(PATH="$prefix/bin:$PATH" XDG_DATA_DIRS="$prefix/share:/usr/local/share:/usr/share"
         FPATH="$prefix/share/zsh/site-functions:$(zsh -dfc 'print -r -- $FPATH')")
     env -i "${found[@]}" "$@"

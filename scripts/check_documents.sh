@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Tries out what the documents say: runs the examples of README, manual and formats.md and compares
-# what they show ("..." stands for lines left out), and holds their tables against the sources, the
-# example savegame and every message that the program prints.
+# what they show ("..." stands for lines left out), and holds their tables, names and numbers against
+# the sources, the example savegame, the commands' own statuses and every message that is printed.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 root=$PWD
@@ -96,6 +96,7 @@ LC_ALL=C.UTF-8 MANWIDTH=80 man --warnings -l docs/stashkeep.1 2>"$work/warnings"
 [ ! -s "$work/warnings" ] || complain "docs/stashkeep.1: $(cat "$work/warnings")"
 version=$(sed -n 's/^project(stashkeep VERSION \([0-9.]*\).*/\1/p' CMakeLists.txt)
 grep -q "^\.TH .*\"stashkeep $version\"" docs/stashkeep.1 || complain "docs/stashkeep.1: not for $version"
+grep -qF "stashkeep-$version-windows-x86_64.zip" README.md || complain "README.md: another version's ZIP"
 grep -q "^## $version\$" CHANGELOG.md || complain "CHANGELOG.md: nothing about $version"
 head -n 1 packaging/debian/changelog | grep -qF "($version)" || complain "debian/changelog: nothing about $version"
 
@@ -177,6 +178,25 @@ explained README.md '| message | what it means and what to do |' "$work/explain"
 { sed 's/^Be aware .* builds!//' "$work/report" && echo '0_item:200<undefined> count:1'; } >"$work/explain"
 explained README.md '| line | what it means |' "$work/explain"
 
+# The commands of the README: each works on files in its order, and not with one less. The media
+# hold the same savegame, so that no file changes where the order is right.
+prepare
+cp -r . ../before
+count=0
+while read -r row; do
+    command=$(sed 's/\<IMAGE\>/game.reu/; s/\<DATAFILE\>/savegame.dat/; s/\<DISC\([23]\).d64/disc\1.d64/g' <<<"$row" |
+        sed "s#\<FLAGS\>#${sources[0]}#; s#\<COLLECTABLES\>#${sources[1]}#; s#\<GLOBALDEFINES\>#${sources[2]}#")
+    read -r -a command <<<"$command"
+    status 0 "${command[@]}"
+    # With no file at all, it is the usage text's turn.
+    [ ${#command[@]} -eq 2 ] || status 1 "${command[@]::${#command[@]}-1}"
+    count=$((count + 1))
+done < <(spansOf "$root/README.md" '| command | what it does |')
+diff -r . ../before || complain "README.md: its commands change these files"
+stashkeep "${command[@]}" | grep -q '^WORLDFLAG_' || complain "README.md: its last command prints no world flag"
+echo "README.md: $count kinds of command tried out"
+cd "$root"
+
 # Whatever text the sources have for messages and reports was printed above.
 cat "$work/messages" "$work/report" >"$work/printed"
 while IFS= read -r text; do
@@ -190,6 +210,58 @@ done < <(grep -roh --include='*.cpp' '"[^"]*\\n"' src | sed 's/^"//; s/"$//; s/^
 
 # same FILE WHAT: complains unless the lines of FILE and of standard input are the same
 same() { diff "$1" - >"$work/diff" || complain "$2:"$'\n'"$(cat "$work/diff")"; }
+
+# architecture.md: what is named is a file, a command word, or in the sources; so is what the picture shows.
+# shellcheck disable=SC2016 # backticks as they are
+while read -r name; do
+    case $name in
+        'stashkeep '*) name=$(cut -d ' ' -f 2 <<<"$name") && grep -qxF "$name" "$work/words" ;;
+        *) [ -e "$name" ] || [ -e "src/$name" ] || [ -n "$(find src -name "$name")" ] || grep -rqwF -- "$name" src CMakeLists.txt ;;
+    esac || complain "docs/architecture.md: nothing is called $name"
+done < <(sed '/^```/,/^```/d' docs/architecture.md | grep -o '`[^`]*`' | tr -d '`')
+# shellcheck disable=SC2016 # backticks as they are
+while read -r name; do
+    [ -e "src/$name" ] || [ -e "src/$name.h" ] || [ -n "$(find src -name "$name.h" -o -name "$name")" ] ||
+        complain "docs/architecture.md: no file $name"
+done < <(sed -n '/^```/,/^```/p' docs/architecture.md | grep -oE '[a-z0-9]+([_/.][a-z0-9]*)+')
+
+# CONTRIBUTING.md: every script is there.
+for script in scripts/*.sh .ci/run; do
+    grep -qF "$script" CONTRIBUTING.md || complain "CONTRIBUTING.md: nothing about $script"
+done
+
+# The numbers in prose
+sed -n 's/^    {"COLLECTABLE_\(.*\)", \([0-9]*\)},$/\2 \1/p' src/inspect/savegame_report.cpp >"$work/items"
+text=$(cat README.md CONTRIBUTING.md docs/*.md docs/stashkeep.1.in | tr '\n' ' ')
+# inSource FILE PATTERN: the number that the pattern's group matches
+inSource() { sed -nE "s/.*$2.*/\1/p" "src/$1"; }
+# says NUMBER PATTERN: wherever the documents say what the Perl pattern matches, they say NUMBER
+says() {
+    local said
+    said=$(grep -oP "$2" <<<"$text" | sort -u) || said=nothing
+    [ "$said" = "$1" ] || complain "The documents say ${said//$'\n'/ and }, not $1: $2"
+}
+number='(?<![<\d,.x])\d[\d,]*'
+words=(no one two three four five six seven eight nine ten eleven twelve thirteen fourteen fifteen sixteen)
+grouped() { sed -E 's/([0-9])([0-9]{3})$/\1,\2/' <<<"$1"; }
+sectors=$(inSource transfer/d64_image.cpp 'sectorCount = ([0-9]+);')
+pageSize=$(inSource transfer/savegame_data_file.h 'pageSize = ([0-9]+);')
+says "$sectors" "$number(?= sectors)"
+says "$(grouped $((sectors * pageSize)))" '\d{2,3},\d{3}(?=( \(0x\w+\))? bytes)'
+says "$(grouped $(($(inSource transfer/memory_image.cpp 'leastImageSize == (0x[0-9A-F]+)'))))" "$number(?= bytes, 0x)"
+says "$(grouped "$(inSource transfer/savegame_data_file.h 'SavegameDataFile\) == ([0-9]+)')")" \
+    "(?<![\d,])\d,\d{3}(?= bytes(?!, 0x))"
+says "$(wc -l <"$work/items")" "$number(?= items)"
+says "$(inSource inspect/disc_savegame.h 'chestSlots = ([0-9]+);')" "(?<=chest's )\d+(?= slots)"
+says "$(inSource inspect/disc_savegame.h 'inventorySlots = ([0-9]+);')" "(?<=all )\d+(?= slots)"
+says "${words[$(wc -l <"$work/words")]}" '\w+(?= words, which)'
+says "${words[$(grep -cE 'Command\{.*(FromImage|IntoImage)\}' src/cli/command_line.cpp)]}" '\w+(?= words for memory images)'
+# shellcheck disable=SC2016 # backticks as they are
+says "$(grep -c '^    "stashkeep ' src/cli/command_line.cpp)" '(?<=`usage:` and )\d+(?= lines)'
+
+# The example
+examples/make_savegame.sh "$work/savegame.dat"
+cmp "$work/savegame.dat" examples/savegame.dat || complain "examples/savegame.dat: not what make_savegame.sh makes"
 
 # formats.md: the places of the pages are those of the source, in its tables and in the picture.
 sed -n 's/^    {\([23]\), 0x\(....\), 0x\(....\)}.*/\1 \2 \3/p' src/transfer/savegame_data_file.h >"$work/places"
@@ -234,7 +306,6 @@ paste -d ' ' <(od -An -v -t x1 -w1 -N 512 examples/savegame.dat | tr -d ' ') \
     awk '{ print NR - 1, $0 }' | same "$work/bytes" "docs/formats.md: bytes"
 
 # formats.md: items and flags
-sed -n 's/^    {"COLLECTABLE_\(.*\)", \([0-9]*\)},$/\2 \1/p' src/inspect/savegame_report.cpp >"$work/items"
 rowsOf docs/formats.md '| id | item | id | item | id | item |' | tr -d '|`' | xargs -n 2 | sort -n |
     same "$work/items" "docs/formats.md: items"
 grep -E '^\.flags? ' "examples/$global/scr_flags.asm" | head -n 14 |

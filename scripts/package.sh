@@ -21,6 +21,13 @@ second=$(mktemp -d -p "$elsewhere")
 clean() { rm -rf "$work" "$second"; }
 trap clean EXIT
 say() { printf '\n== %s\n' "$*"; }
+fail() { echo "FAILED: $*" >&2 && exit 1; }
+
+status=$(dpkg-query -W -f='${db:Status-Status}' stashkeep 2>/dev/null || true)
+case $status in
+    '' | not-installed) ;;
+    *) fail "this would replace your stashkeep package ($status), and then purge it: remove it first" ;;
+esac
 
 # build FOLDER: both packages, from a copy of the sources in FOLDER
 build() (
@@ -43,6 +50,20 @@ tryExample() (
 )
 withoutWarning() { sed 's/^Be aware .* builds!//' "$1"; }
 
+# checkLinks FOLDER: each link of the documents in FOLDER has to lead to a file there
+checkLinks() {
+    local document link count=0
+    while read -r document; do
+        while read -r link; do
+            case $link in http* | '#'*) continue ;; esac
+            [ -e "$(dirname "$document")/$link" ] || fail "$document: no file $link"
+            count=$((count + 1))
+        done < <(grep -o '](.[^)]*)' "$document" | sed 's/](\(.*\))/\1/')
+    done < <(find "$1" -name '*.md')
+    [ "$count" -gt 0 ] || fail "$1: no document with a link"
+    echo "$count links of its documents lead to files."
+}
+
 say "Building twice"
 build "$work/first" >"$work/log" 2>&1 || { cat "$work/log" >&2 && exit 1; }
 (umask 077 && build "$second/in a much longer path" >"$work/log" 2>&1) || { cat "$work/log" >&2 && exit 1; }
@@ -59,11 +80,11 @@ tar -tvzf "$archive"
 tar -xzf "$archive" -C "$work"
 unpacked=$work/$(basename "$archive" .tar.gz)
 if readelf -ld "$unpacked/bin/stashkeep" | grep -E 'INTERP|NEEDED'; then
-    echo "$archive: its program needs libraries" >&2
-    exit 1
+    fail "$archive: its program needs libraries"
 fi
 tryExample "$unpacked/bin/stashkeep" "$unpacked/share/doc/stashkeep"
 echo "Its program runs and needs no library."
+checkLinks "$unpacked/share/doc/stashkeep"
 scripts/check_completions.sh "$unpacked"
 
 say "$deb: $(wc -c <"$deb") bytes"
@@ -71,19 +92,27 @@ dpkg-deb --info "$deb"
 dpkg-deb --contents "$deb"
 lintian --allow-root --fail-on error,warning --display-info --pedantic "$deb"
 echo "$(lintian --version): no error, no warning"
+dpkg-deb --extract "$deb" "$work/deb"
+checkLinks "$work/deb/usr/share/doc/stashkeep"
 
 say "Installed, tried out and removed"
+# What stands in /usr/local would come before what the package brings.
+export PATH=/usr/bin:/bin:/usr/sbin:/sbin XDG_DATA_DIRS=/usr/share
+FPATH=$(zsh -dfc 'print -r -- ${(j(:))fpath:#/usr/local/*}')
+export FPATH
 asRoot=()
 [ "$(id -u)" -eq 0 ] || asRoot=(sudo)
 "${asRoot[@]}" dpkg -i "$deb"
 trap '"${asRoot[@]}" dpkg --purge stashkeep >/dev/null 2>&1 || :; clean' EXIT
 dpkg -L stashkeep >"$work/files"
 dpkg --verify stashkeep
-[ "$(type -P stashkeep)" = /usr/bin/stashkeep ]
+found=$(type -P stashkeep) || fail "no stashkeep in $PATH"
+[ "$found" = /usr/bin/stashkeep ] || fail "another stashkeep comes first: $found"
 tryExample stashkeep /usr/share/doc/stashkeep
 man -w stashkeep
 scripts/check_completions.sh
 "${asRoot[@]}" dpkg --purge stashkeep
 while read -r file; do
-    [ -d "$file" ] || [ ! -e "$file" ] || { echo "$file is still there" >&2 && exit 1; }
+    # So is a link that leads nowhere any more.
+    if [ -L "$file" ] || { [ -e "$file" ] && [ ! -d "$file" ]; }; then fail "$file is still there"; fi
 done <"$work/files"

@@ -24,24 +24,34 @@ cmake --build --preset windows
 ctest --preset windows
 
 work=$(mktemp -d)
-trap 'rm -rf "$work"' EXIT
+# Another kind of file system lists files in another order.
+elsewhere=/dev/shm
+[ -w $elsewhere ] || elsewhere=${TMPDIR:-/tmp}
+second=$(mktemp -d -p "$elsewhere")
+trap 'rm -rf "$work" "$second"' EXIT
 
 say "The ZIP"
 (cd out/windows && pack)
 zip=$(echo "$PWD"/out/windows/stashkeep-*.zip)
-mkdir "$work/elsewhere"
-tar -c --exclude=./out --exclude=./build --exclude=./.git . | tar -x -C "$work/elsewhere"
+tar -c --exclude=./out --exclude=./build --exclude=./.git . | tar -x -C "$second"
 (
-    cd "$work/elsewhere"
+    cd "$second"
+    umask 077
     cmake --preset windows -DSTASHKEEP_TESTS=OFF >/dev/null
     cmake --build --preset windows >/dev/null
     cd out/windows && pack
 )
-sha256sum "$zip" "$work"/elsewhere/out/windows/*.zip
-cmp "$zip" "$work"/elsewhere/out/windows/*.zip || fail "two builds in two folders differ"
+sha256sum "$zip" "$second"/out/windows/*.zip
+cmp "$zip" "$second"/out/windows/*.zip || fail "two builds in two folders differ"
 (cd "$work" && cmake -E tar xf "$zip")
 exe=$(echo "$work"/stashkeep-*/stashkeep.exe)
-(cd "$work"/stashkeep-* && wc -c -- * "$zip")
+(cd "$work"/stashkeep-* && find . -type f -exec wc -c "$zip" {} +)
+for document in "$work"/stashkeep-*/{README.txt,*.md,docs/*.md}; do
+    while read -r link; do
+        case $link in http* | '#'*) continue ;; esac
+        [ -e "$(dirname "$document")/$link" ] || fail "$document: no file $link"
+    done < <(sed 's/](/\n&/g' "$document" | sed -n 's/^](\([^)]*\)).*/\1/p')
+done
 [ "$(wc -c <"$zip")" -lt 1000000 ] || fail "the ZIP has grown to over 1 MB"
 dlls=$(x86_64-w64-mingw32-objdump -p "$exe" | sed -n 's/.*DLL Name: //p' | sort | tr '\n' ' ')
 echo "DLLs: $dlls"

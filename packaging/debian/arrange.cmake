@@ -14,9 +14,12 @@ endfunction()
 
 compress(${share}/man/man1/stashkeep.1 ${share}/man/man1/stashkeep.1.gz)
 compress(${CPACK_STASHKEEP_DEBIAN_FOLDER}/changelog ${documents}/changelog.gz)
-file(REMOVE ${share}/man/man1/stashkeep.1 ${documents}/LICENSE) # the licence is in the copyright file
+file(REMOVE ${share}/man/man1/stashkeep.1)
 file(COPY ${CPACK_STASHKEEP_DEBIAN_FOLDER}/copyright DESTINATION ${documents}
   FILE_PERMISSIONS OWNER_READ OWNER_WRITE GROUP_READ WORLD_READ)
+# The licence is in the copyright file, where the documents' links to it have to lead.
+file(REMOVE ${documents}/LICENSE)
+file(CREATE_LINK copyright ${documents}/LICENSE SYMBOLIC)
 
 # Debian's zsh looks here for what packages bring.
 file(MAKE_DIRECTORY ${share}/zsh/vendor-completions)
