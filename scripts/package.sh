@@ -1,11 +1,13 @@
 #!/usr/bin/env bash
-# Makes the packages for Linux in out/packages/, a .deb and a .tar.gz with a program that needs no
-# library, and checks them: each is built twice, in different folders, and has to be the same to the
-# byte; lintian has to find nothing; the .deb is installed, tried out and removed.
+# Makes the packages in out/packages/ and checks them: a .deb, a .tar.gz with a program that needs no
+# library, and the ZIP for Windows, which scripts/windows.sh makes and tries. Each is built twice, in
+# different folders, and has to be the same to the byte; lintian has to find nothing; the .deb is
+# installed, tried out and removed.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 root=$PWD
 
+scripts/windows.sh
 scripts/install.sh binutils cmake dpkg-dev g++ lintian man-db ninja-build
 unset CFLAGS CPPFLAGS CXXFLAGS LDFLAGS DESTDIR
 export LC_ALL=C.UTF-8 TZ=UTC
@@ -69,7 +71,7 @@ build "$work/first" >"$work/log" 2>&1 || { cat "$work/log" >&2 && exit 1; }
 (umask 077 && build "$second/in a much longer path" >"$work/log" 2>&1) || { cat "$work/log" >&2 && exit 1; }
 rm -rf out/packages
 mkdir -p out/packages
-cp "$work"/first/packages/*.{deb,tar.gz} out/packages
+cp "$work"/first/packages/*.{deb,tar.gz} out/windows/*.zip out/packages
 (cd out/packages && sha256sum -- *.deb *.tar.gz) | tee "$work/sums"
 (cd "$second/in a much longer path/packages" && sha256sum -c "$work/sums")
 deb=$(echo out/packages/*.deb)
