@@ -10,6 +10,6 @@ cmake --preset fuzz ${CI:+-DCMAKE_COMPILE_WARNING_AS_ERROR=ON} >/dev/null
 cmake --build --preset fuzz >/dev/null
 mkdir -p out/fuzz/found "out/fuzz/corpus/$target"
 out=$PWD/out/fuzz
-TMPDIR=$([ -d /dev/shm ] && echo /dev/shm || echo /tmp) "$out/tests/fuzz_$target" -max_total_time="$seconds" -max_len=10000 -timeout=20 -verbosity=0 \
+TMPDIR=$([ -d /dev/shm ] && echo /dev/shm || echo /tmp) "$out/tests/fuzz_$target" -max_total_time="$seconds" -max_len=10000 -timeout=20 -verbosity=0 -print_funcs=0 \
     -print_final_stats=1 -dict="$PWD/tests/fuzz/words.dict" -artifact_prefix="$out/found/$target-" \
     "$out/corpus/$target" "$PWD/tests/fuzz/seeds/$target"

@@ -126,7 +126,8 @@ void readWorldFlags(const char* path) {
         printOut("%s_", sectionTokens[i].c_str());
         if (sectionTokens[i] != "include"sv) continue;
         TokenList tokens = readTokens(openIncluded(sectionTokens.at(i + 1)), splitLine);
-        std::move(tokens.begin(), tokens.end(), std::back_inserter(includeTokens));
+        includeTokens.insert(includeTokens.end(), std::make_move_iterator(tokens.begin()),
+                             std::make_move_iterator(tokens.end()));
     }
     for (auto start = includeTokens.begin(); start != includeTokens.end();) {
         const auto stop = std::find(start, includeTokens.end(), statementEnd);
