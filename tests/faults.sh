@@ -17,7 +17,7 @@ head -c 196608 /dev/urandom | tee old/disc2.d64 >old/disc3.d64
 { # with pointers to 0x10000, 0x20000, 0x30000 and 0x40000
     head -c 2304 && printf '\0\0\1\0    \0\0\2\0' && head -c 2036 && printf '\0\0\3\0    \0\0\4\0' && head -c 1044212
 } </dev/urandom >old/game.reu
-head -c 1024 /dev/urandom >old/savegame.dat
+head -c 1024 /dev/urandom | tr '=' x >old/savegame.dat # no definition by chance, where it serves as a source
 cp old/* new
 "$program" implantd64 old/savegame.dat new/disc2.d64 new/disc3.d64 >/dev/null
 "$program" implantreu old/savegame.dat new/game.reu >/dev/null

@@ -1,5 +1,5 @@
-// The one way to the console: everything that the program prints goes through here, and what every operation prints
-// stands here.
+// The one way to the console: everything that the program prints goes through here. The complaint that all operations
+// share stands here, too.
 #pragma once
 
 namespace stashkeep {
