@@ -69,5 +69,16 @@ TEST(PrintFlags, readsBitsOfTheAreaAndNothingElse) {
               "WORLDFLAG_SAME = 1\n");
 }
 
+TEST(PrintFlags, printsEveryLineWholeWhateverItsLength) {
+    gameFlagTable = worldFlagTable = {};
+    std::string expected = ">>gameflags:\n";
+    for (std::size_t length = 0; length < 10'000; length += 1 + length / 50) {
+        const std::string name(length, 'F');
+        gameFlagTable[name] = {0, 1};
+        expected += name + " = 0\n";
+    }
+    EXPECT_EQ(captured([] { printFlags({}); }), expected + ">>worldflags:\n");
+}
+
 }  // namespace
 }  // namespace stashkeep
