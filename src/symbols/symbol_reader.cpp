@@ -20,6 +20,7 @@
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 #include "cli/load_file.h"
 #include "cli/print_out.h"
@@ -65,26 +66,31 @@ TokenList readTokens(const File& file, TokenList (*split)(std::string)) {
     return split(*std::move(text));
 }
 
-/// Sets the entry of a name. The name is taken out of its token, which no reader looks at again. Sources
-/// tend to name things in order, so that new names belong at the table's end.
+/// Sets the entry of a name, which is taken out of its token: no reader looks at that again. Returns the
+/// entry. Sources tend to name things in order, so that a name's place is looked for beside the entry before.
 template <typename Table>
-void enter(Table& table, std::string&& name, const typename Table::mapped_type& value) {
-    table.insert_or_assign(table.end(), std::move(name), value);
+typename Table::iterator enter(Table& table, typename Table::iterator before, std::string&& name,
+                               const typename Table::mapped_type& value) {
+    const auto entry = table.emplace_hint(before, std::move(name), value);
+    entry->second = value;  // where the name has been there already
+    return entry;
 }
 
 /// Hands out bits in the order of the directives.
 void readGameFlags(const char* path) {
     TokenList tokens = readTokens(openFile(path, "r"), splitLine);
     std::uint32_t nextBit = 0;  // unsigned, since counts of any size may wrap it
+    auto entry = gameFlagTable.end();
     std::size_t i = 0;
     while (i < tokens.size()) {
+        const auto firstBit = static_cast<std::int32_t>(nextBit);
         if (tokens[i] == ".flag"sv) {
-            enter(gameFlagTable, std::move(tokens.at(i + 1)), {static_cast<std::int32_t>(nextBit), 1});
+            entry = enter(gameFlagTable, entry, std::move(tokens.at(i + 1)), {firstBit, 1});
             nextBit += 1;
             i += 2;
         } else if (tokens[i] == ".flags"sv) {
             const std::int32_t bitCount = toInteger(tokens.at(i + 3));
-            enter(gameFlagTable, std::move(tokens[i + 1]), {static_cast<std::int32_t>(nextBit), bitCount});
+            entry = enter(gameFlagTable, entry, std::move(tokens[i + 1]), {firstBit, bitCount});
             nextBit += static_cast<std::uint32_t>(bitCount);
             i += 4;
         } else {
@@ -117,31 +123,36 @@ std::int32_t sumOfTerms(std::span<const std::string> statement) {
     return sum;
 }
 
-void readWorldFlags(const char* path) {
-    // Only what this leaves in asmSectionText counts.
-    static_cast<void>(readTokens(openFile(path, "r"), splitAsmLine));
-    const TokenList sectionTokens = splitLine(asmSectionText);
-    TokenList includeTokens;
-    for (std::size_t i = 0; i < sectionTokens.size(); ++i) {
-        printOut("%s_", sectionTokens[i].c_str());
-        if (sectionTokens[i] != "include"sv) continue;
-        TokenList tokens = readTokens(openIncluded(sectionTokens.at(i + 1)), splitLine);
-        includeTokens.insert(includeTokens.end(), std::make_move_iterator(tokens.begin()),
-                             std::make_move_iterator(tokens.end()));
-    }
-    for (auto start = includeTokens.begin(); start != includeTokens.end();) {
-        const auto stop = std::find(start, includeTokens.end(), statementEnd);
-        if (start != stop) enter(worldFlagTable, std::move(*start), {sumOfTerms({start, stop}), 1});
+/// Every statement of an included file makes an entry.
+void enterWorldFlags(TokenList& tokens) {
+    auto entry = worldFlagTable.end();
+    for (auto start = tokens.begin(); start != tokens.end();) {
+        const auto stop = std::find(start, tokens.end(), statementEnd);
+        if (start != stop) entry = enter(worldFlagTable, entry, std::move(*start), {sumOfTerms({start, stop}), 1});
         start = std::next(stop);  // the last token ends a statement
     }
 }
 
+void readWorldFlags(const char* path) {
+    // Only what this leaves in asmSectionText counts.
+    static_cast<void>(readTokens(openFile(path, "r"), splitAsmLine));
+    const TokenList sectionTokens = splitLine(asmSectionText);
+    std::vector<TokenList> includedFiles;  // each has to be readable before the first makes entries
+    for (std::size_t i = 0; i < sectionTokens.size(); ++i) {
+        printOut("%s_", sectionTokens[i].c_str());
+        if (sectionTokens[i] != "include"sv) continue;
+        includedFiles.push_back(readTokens(openIncluded(sectionTokens.at(i + 1)), splitLine));
+    }
+    for (TokenList& tokens : includedFiles) enterWorldFlags(tokens);
+}
+
 void readCollectableIds(const char* path) {
     TokenList tokens = readTokens(openFile(path, "r"), splitLine);
+    auto entry = collectableTable.end();
     for (std::size_t i = 0; i < tokens.size(); ++i) {
         if (tokens[i] != "="sv) continue;
         const std::int32_t id = toInteger(tokens.at(i + 1));
-        enter(collectableTable, i == 0 ? std::string() : std::move(tokens[i - 1]), id);
+        entry = enter(collectableTable, entry, i == 0 ? std::string() : std::move(tokens[i - 1]), id);
     }
 }
 
