@@ -39,9 +39,9 @@ void writeBytes(const File& file, const void* bytes, std::size_t size);
 /// Throws std::bad_alloc when it does not fit into memory.
 [[nodiscard]] std::optional<std::string> readText(const File& file);
 
-/// Tells the system that the `size` bytes of memory from `start` on, not touched yet, are going to be
-/// filled. Where it can then provide them in large pages, that takes a fraction of the time.
-void hintLargePages(void* start, std::size_t size);
+/// Makes the heap ready for `size` bytes more. Where the system can provide them in large pages, filling
+/// them takes a fraction of the time.
+void growHeap(std::size_t size);
 
 /// Writes `bytes` over the start of the existing file at `path` with one write. The file is never
 /// cut short: whatever interrupts the write, each of its bytes is the old one or the new one.

@@ -131,15 +131,17 @@ const char* skipCommentAndSections(const char* at, const char* end) {
     return at;
 }
 
-/// Makes room for the tokens of a text, which saves moving them over and over. Only a short cut: where
-/// memory is scarce, the list grows as it goes.
+/// Makes room for the tokens of a text and for what is made of them, which saves moving tokens over and
+/// over, and getting memory piece by piece. Only a short cut: where memory is scarce, both are done.
 void makeRoom(TokenList& tokens, std::size_t textSize) {
-    constexpr std::size_t usualTokenSize = 4;  // bytes of text for each token, at the least
+    constexpr std::size_t usualTokenSize = 4;   // bytes of text for each token, at the least
+    constexpr std::size_t namesAndEntries = 5;  // bytes for each byte of text: long names, and what tables hold of them
+    const std::size_t tokenCount = textSize / usualTokenSize;
+    growHeap(tokenCount * sizeof(std::string) + textSize * namesAndEntries);
     try {
-        tokens.reserve(textSize / usualTokenSize);
+        tokens.reserve(tokenCount);
     } catch (const std::exception&) {  // enough for all the tokens that there are, perhaps
     }
-    hintLargePages(tokens.data(), tokens.capacity() * sizeof(std::string));
 }
 
 /// Splits `text`; `skipNumberSign` takes a number sign and what it starts, and returns where plain
