@@ -73,9 +73,13 @@ inject 1 error=EIO read @savegame.dat check game.reu savegame.dat savegame.dat s
 # Memory that runs out, where the program can start with so little (under AddressSanitizer it cannot).
 if (ulimit -v 300000 && "$program") &>/dev/null; then
     try "an endless file" 1 bash -c "ulimit -v 300000 && exec $program check savegame.dat /dev/zero no no"
-    head -c 60000000 /dev/zero | tr '\0' '#' >old/comments
-    try "few words in a long file" 0 bash -c "ulimit -v 300000 && exec $program check savegame.dat comments /dev/null /dev/null"
-    rm old/comments
+    head -c 60000000 /dev/zero | tr '\0' '#' >'old/generated\many'
+    head -c 15000000 'old/generated\many' >'old/generated\few'
+    printf '#AsmSectionBegin\ninclude few\ninclude many\n' >old/sections
+    try "few words in a long file" 0 bash -c "ulimit -v 300000 && exec $program check savegame.dat generated*many /dev/null /dev/null"
+    try "few words in one file after the other" 0 bash -c \
+        "ulimit -v 160000 && exec $program check savegame.dat /dev/null /dev/null sections"
+    rm old/generated* old/sections
     try "a huge image" 1 bash -c "truncate -s 1G huge && ulimit -v 300000 && exec $program extractreu huge savegame.dat"
 fi
 echo "$passed passed, $failed failed"

@@ -51,8 +51,8 @@ bool readToEnd(const File& file, Bytes& bytes) {
     return count < fileSizeLimit && std::ferror(file.get()) == 0;
 }
 
-/// Tells the system that the `size` bytes of memory from `start` on, not touched yet, are going to be
-/// filled. Where it can then provide them in large pages, that takes a fraction of the time.
+/// Tells the system that the `size` bytes of memory from `start` on are going to be filled. Where it can
+/// then provide them in large pages, that takes a fraction of the time.
 void hintLargePages([[maybe_unused]] void* start, [[maybe_unused]] std::size_t size) {
 #ifdef MADV_HUGEPAGE
     constexpr std::size_t largePage = 0x200000;  // bytes, and its alignment
@@ -115,11 +115,12 @@ std::optional<std::string> readText(const File& file) {
 }
 
 void growHeap([[maybe_unused]] std::size_t size) {
-#ifdef __GLIBC__
-    // All memory comes from the heap, and stays there.
+#ifdef M_TRIM_THRESHOLD
+    constexpr int usualMappings = 65'536;  // the C library's own limit of pieces of memory outside the heap
+    mallopt(M_TRIM_THRESHOLD, -1);         // what has been freed stays
     mallopt(M_MMAP_MAX, 0);
-    mallopt(M_TRIM_THRESHOLD, -1);
     void* const room = std::malloc(size);
+    mallopt(M_MMAP_MAX, usualMappings);
     if (room != nullptr) hintLargePages(room, size);
     std::free(room);
 #endif

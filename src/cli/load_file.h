@@ -40,7 +40,8 @@ void writeBytes(const File& file, const void* bytes, std::size_t size);
 [[nodiscard]] std::optional<std::string> readText(const File& file);
 
 /// Makes the heap ready for `size` bytes more. Where the system can provide them in large pages, filling
-/// them takes a fraction of the time.
+/// them takes a fraction of the time. Only a hint: without such room, nothing happens. From then on, what
+/// the heap has grown by stays with the process.
 void growHeap(std::size_t size);
 
 /// Writes `bytes` over the start of the existing file at `path` with one write. The file is never

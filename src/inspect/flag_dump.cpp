@@ -45,7 +45,7 @@ void appendFlag(Lines& lines, const DiscSavegame& savegame, const std::string& n
     for (int k = 0; k < std::min(flag.bitCount, valueWidth); ++k) {
         value |= flagBit(savegame, std::int64_t{start} + flag.firstBit + k) << k;
     }
-    std::array<char, valueWidth> digits;  // fewer than the bits that they stand for
+    std::array<char, 11> digits;  // of 32 bits, with a sign
     const char* const end = std::to_chars(digits.begin(), digits.end(), static_cast<std::int32_t>(value)).ptr;
     append(lines, name.c_str());  // up to a NUL, if it holds one
     append(lines, " = ");

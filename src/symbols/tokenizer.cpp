@@ -144,6 +144,13 @@ void makeRoom(TokenList& tokens, std::size_t textSize) {
     }
 }
 
+/// Gives back the room of a list that has come out far shorter than expected, as it does for a text of
+/// comments: lists of many files may be kept side by side.
+void giveBackRoom(TokenList& tokens) {
+    constexpr std::size_t worthMoving = 16;  // times as much room as there are tokens
+    if (tokens.size() * worthMoving < tokens.capacity()) tokens.shrink_to_fit();
+}
+
 /// Splits `text`; `skipNumberSign` takes a number sign and what it starts, and returns where plain
 /// text goes on.
 TokenList scan(std::string_view text, const char* (*skipNumberSign)(const char* at, const char* end)) {
@@ -184,6 +191,7 @@ TokenList scan(std::string_view text, const char* (*skipNumberSign)(const char* 
         }
     }
     endStatement(tokens);
+    giveBackRoom(tokens.list);
     return std::move(tokens.list);
 }
 
