@@ -118,7 +118,7 @@ void growHeap([[maybe_unused]] std::size_t size) {
 #ifdef M_TRIM_THRESHOLD
     constexpr int usualMappings = 65'536;  // the C library's own limit of pieces of memory outside the heap
     mallopt(M_TRIM_THRESHOLD, -1);         // what has been freed stays
-    mallopt(M_MMAP_MAX, 0);
+    mallopt(M_MMAP_MAX, 0);                // from the heap itself, whatever the size
     void* const room = std::malloc(size);
     mallopt(M_MMAP_MAX, usualMappings);
     if (room != nullptr) hintLargePages(room, size);
