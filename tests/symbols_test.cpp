@@ -100,6 +100,7 @@ TEST_F(SymbolReader, includesFilesByTheirPathsAsTheyStandAndThenWithSlashes) {
     EXPECT_EQ(worldFlagTable["W"].firstBit, 11);
     EXPECT_EQ(read("", "include w.inc", ""), "0");
     EXPECT_EQ(read("", "#AsmSectionBegin\nx include w.inc include", ""), "1x_include_w.inc_include_");
+    EXPECT_TRUE(worldFlagTable.empty()) << "nothing counts until all included files are read";
     std::filesystem::create_directory("generated\\f");
     writeFile("generated/f", "W = 1");
     EXPECT_EQ(read("", "#AsmSectionBegin\ninclude f", ""), "1include_") << "a folder is no file, and comes first";
