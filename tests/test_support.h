@@ -17,7 +17,7 @@
 
 namespace stashkeep {
 
-inline std::string readFile(const std::filesystem::path& path, std::ios::openmode mode = std::ios::binary) {
+inline std::string readFile(const std::string& path, std::ios::openmode mode = std::ios::binary) {
     std::ostringstream bytes;
     bytes << std::ifstream(path, mode).rdbuf();
     return bytes.str();

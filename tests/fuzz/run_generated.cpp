@@ -12,8 +12,9 @@ static std::string input;
 int main(int /*argumentCount*/, char* arguments[]) {
     std::signal(SIGABRT, [](int /*signal*/) { std::cerr << "failed on " << testing::PrintToString(input) << "\n"; });
     std::vector<std::string> seeds;
-    for (const auto& file : std::filesystem::directory_iterator(arguments[1]))
-        seeds.push_back(stashkeep::readFile(file));
+    for (const auto& file : std::filesystem::directory_iterator(arguments[1])) {
+        seeds.push_back(stashkeep::readFile(file.path().string()));
+    }
     std::sort(seeds.begin(), seeds.end());  // a folder has no order of its own
     std::mt19937 random;                    // NOLINT(cert-msc51-cpp): the same numbers in every run
     for (std::size_t i = 0; i < seeds.size() + std::stoul(arguments[2]); ++i) {
