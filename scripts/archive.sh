@@ -2,6 +2,7 @@
 # Packs what a build installs into one folder: scripts/archive.sh BUILD_FOLDER ARCHIVE.tar.gz|ARCHIVE.zip
 # Order, times, owner and modes are fixed, so that equal builds give equal archives.
 set -euo pipefail
+mkdir -p "$(dirname "$2")"
 build=$(realpath "$1") archive=$(realpath "$2")
 cd "$(dirname "$0")/.."
 

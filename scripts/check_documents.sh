@@ -30,7 +30,7 @@ runExamples() {
     local command shown actual pattern count=0
     rm -rf "$work/files"
     cp -r "$work/share/doc/stashkeep/examples" "$work/files"
-    (cd "$work/files" && ./make_media.sh)
+    (cd "$work/files" && sh make_media.sh)
     while IFS=$'\036' read -r -d $'\037' command shown; do
         actual=$(cd "$work/files" && bash -c "$command" 2>&1 </dev/null) || true
         pattern=$(sed 's/[^A-Za-z0-9 ]/\\&/g; s/^\\\.\\\.\\\.$/*/' <<<"${shown#$'\n'}")

@@ -23,7 +23,7 @@ changed() { cmp -l "$1.before" "$1" | wc -l || true; }
 directory() { cp "$1" listed.d64 && cc1541 -4 listed.d64 | sed 's/\x1b\[[0-9]*m//g' | grep '^[0-9]'; }
 
 printf '\n== Two floppy discs with a file each, and a memory image\n'
-./make_media.sh
+sh make_media.sh
 for disc in disc2.d64 disc3.d64; do
     rm $disc
     cc1541 -4 -n "ZARNIS" -r 18 -f "LEVEL" -w scripts/common/global/scr_flags.asm $disc >/dev/null
@@ -39,7 +39,8 @@ run extractd64 disc2.d64 disc3.d64 from_discs.dat
 same savegame.dat from_discs.dat
 for disc in disc2.d64 disc3.d64; do
     echo "$disc: $(changed $disc) bytes changed, and its directory is as before:"
-    directory $disc | tee after | diff $disc.directory - && cat after
+    directory $disc | diff $disc.directory -
+    cat $disc.directory
 done
 
 printf '\n== Into the memory image, and out again\n'

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Builds stashkeep for Windows, runs the unit tests under Wine, and makes out/windows/stashkeep-VERSION-windows-x86_64.zip.
-# Then the program out of the ZIP runs the demo, which must print the same as that of the native program.
+# Builds stashkeep for Windows, runs the unit tests under Wine, and makes the ZIP in out/packages/. The demo then runs
+# with the program from the ZIP and must print the same as with the native program.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -10,17 +10,16 @@ cmake --build --preset windows
 ctest --preset windows
 
 version=$(sed -n 's/^project(stashkeep VERSION \([0-9.]*\).*/\1/p' CMakeLists.txt)
-zip=$PWD/out/windows/stashkeep-$version-windows-x86_64.zip
-scripts/archive.sh out/windows "$zip"
-unzip -l "$zip"
-
+folder=stashkeep-$version-windows-x86_64
+scripts/archive.sh out/windows "out/packages/$folder.zip"
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
-unzip -q "$zip" -d "$work"
-exe=$work/stashkeep-$version-windows-x86_64/stashkeep.exe
-x86_64-w64-mingw32-objdump -p "$exe" | sed -n 's/.*DLL Name: //p' | sort >"$work/dlls"
-printf '%s\n' ADVAPI32.dll KERNEL32.dll msvcrt.dll | diff - "$work/dlls" # those that every Windows has
+unzip "out/packages/$folder.zip" -d "$work"
+
+# Only libraries that every Windows has
+x86_64-w64-mingw32-objdump -p "$work/$folder/stashkeep.exe" | sed -n 's/.*DLL Name: //p' | sort >"$work/libraries"
+printf '%s\n' ADVAPI32.dll KERNEL32.dll msvcrt.dll | diff - "$work/libraries"
 
 scripts/demo.sh >"$work/native"
-scripts/demo.sh "$PWD/scripts/wine.sh" "$exe" | tr -d '\r' | diff "$work/native" -
-echo "The demo prints the same with $zip as with the native program."
+scripts/demo.sh "$PWD/scripts/wine.sh" "$work/$folder/stashkeep.exe" | tr -d '\r' | diff "$work/native" -
+echo "The demo prints the same with out/packages/$folder.zip as with the native program."
