@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Checks the documents as they are installed: runs the console examples of README.md, docs/formats.md, docs/windows.md
 # and the manual, and checks links and version numbers. In an example, "..." on a line stands for lines left out.
+# shellcheck disable=SC2016,SC2053 # $ and ` in awk and sed programs; patterns to compare with
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -17,7 +18,6 @@ complain() { printf '%s\n' "$*" | tee -a "$work/complaints" >&2; }
 
 # Prints each command, \036, what the document shows for it, \037. A command begins with "$ " and continues after a
 # line that ends in "\" or "|".
-# shellcheck disable=SC2016 # $ is not the shell's
 examples='
     function finish() { if (command) printf "%s\036%s\037", command, shown; command = shown = "" }
     /^```/ { finish(); inside = $0 == "```console"; next }
@@ -34,7 +34,6 @@ runExamples() {
     while IFS=$'\036' read -r -d $'\037' command shown; do
         actual=$(cd "$work/files" && bash -c "$command" 2>&1 </dev/null) || true
         pattern=$(sed 's/[^A-Za-z0-9 ]/\\&/g; s/^\\\.\\\.\\\.$/*/' <<<"${shown#$'\n'}")
-        # shellcheck disable=SC2053 # a pattern is meant
         [[ $actual == $pattern ]] || complain "$1 shows something else than this:"$'\n'"\$ $command"$'\n'"$actual"
         count=$((count + 1))
     done < <(awk "$examples")
@@ -43,7 +42,6 @@ runExamples() {
 for document in README.md docs/formats.md docs/windows.md; do
     runExamples $document <"$work/share/doc/stashkeep/$document"
 done
-# shellcheck disable=SC2016 # backticks as they are
 sed 's/^\.EX$/```console/; s/^\.EE$/```/; s/\\-/-/g; s/\\e/\\/g' docs/stashkeep.1 | runExamples docs/stashkeep.1
 
 # headings DOCUMENT: the links that its headings have
