@@ -16,15 +16,15 @@ version=$(sed -n 's/^project(stashkeep VERSION \([0-9.]*\).*/\1/p' CMakeLists.tx
 complain() { printf '%s\n' "$*" | tee -a "$work/complaints" >&2; }
 : >"$work/complaints"
 
-# Prints each command, \036, what the document shows for it, \037. A command begins with "$ " and continues after a
-# line that ends in "\" or "|".
+# Prints COMMAND \036 OUTPUT \037 for each example. Commands begin with "$ " and continue after a final "\" or "|".
 examples='
     function finish() { if (command) printf "%s\036%s\037", command, shown; command = shown = "" }
     /^```/ { finish(); inside = $0 == "```console"; next }
     !inside { next }
     continues { command = command "\n" $0; continues = /[\\|]$/; next }
     sub(/^[$] /, "") { finish(); command = $0; continues = /[\\|]$/; next }
-    { shown = shown "\n" $0 }'
+    { shown = shown "\n" $0 }
+    END { finish() }'
 # runExamples DOCUMENT: runs the examples of the Markdown on standard input
 runExamples() {
     local command shown actual pattern count=0
@@ -38,9 +38,10 @@ runExamples() {
         count=$((count + 1))
     done < <(awk "$examples")
     echo "$1: $count examples run"
+    ((count > 0)) || complain "$1: no examples"
 }
-for document in README.md docs/formats.md docs/windows.md; do
-    runExamples $document <"$work/share/doc/stashkeep/$document"
+for document in README.md docs/formats.md $(grep -l '^```console' docs/windows.md); do
+    runExamples "$document" <"$work/share/doc/stashkeep/$document"
 done
 sed 's/^\.EX$/```console/; s/^\.EE$/```/; s/\\-/-/g; s/\\e/\\/g' docs/stashkeep.1 | runExamples docs/stashkeep.1
 
@@ -52,7 +53,7 @@ for document in *.md docs/*.md; do
         [ -z "$file" ] || target=$(dirname "$target")/$file
         [[ $file != *README.md ]] || complain "$document: links to README.md, which the ZIP calls README.txt"
         [ -e "$target" ] || complain "$document: no file $file is installed"
-        [ -z "$heading" ] || headings "$target" | grep -qxF "$heading" || complain "$document: no heading $file#$heading"
+        [ -z "$heading" ] || headings "$target" | grep -qxF "$heading" || complain "$document: no $file#$heading"
     done < <(grep -oE '\]\([^)]+\)' "$document" | sed 's/^](//; s/)$//; /^https\?:/d')
 done
 
@@ -68,7 +69,7 @@ sameVersion "$work/usage" '^Zarnis'
 sameVersion docs/stashkeep.1 '^\.TH'
 sameVersion CHANGELOG.md '^## '
 sameVersion debian/changelog '^stashkeep'
-grep -ohE 'stashkeep-[0-9.]+-' ./*.md docs/*.md | grep -vxF "stashkeep-$version-" | tee -a "$work/complaints" >&2 || true
+if grep -nE 'stashkeep-[0-9.]+-' ./*.md docs/*.md | grep -vF "stashkeep-$version-"; then complain "not $version"; fi
 
 [ ! -s "$work/complaints" ]
 echo "The examples, links and versions of the documents are right."
