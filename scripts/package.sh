@@ -26,16 +26,17 @@ build() (
     cmake --build --preset windows
     scripts/archive.sh out/windows "../stashkeep-$version-windows-x86_64.zip"
 )
-# tryExample PROGRAM FOLDER: compares what is printed for the example in FOLDER with what this build prints here
-tryExample() {
-    local example=(check savegame.dat scripts/common/global/scr_{flags,collectableids,globaldefines}.asm)
-    cmp <(cd "$2/examples" && "$1" "${example[@]}") <(cd examples && ../out/release/stashkeep "${example[@]}")
-}
+# tryExample PROGRAM FOLDER: must print the same for the example in FOLDER as the program that was built here
+example=(check savegame.dat scripts/common/global/scr_{flags,collectableids,globaldefines}.asm)
+tryExample() { (cd "$2/examples" && "$1" "${example[@]}") | diff "$work/expected" -; }
 
 cmake --preset release >/dev/null
 cmake --build --preset release >/dev/null
-build "$work/first" >"$work/log" 2>&1 || { cat "$work/log" && exit 1; }
-(umask 077 && build "$work/second/with/a/longer/path" >"$work/log" 2>&1) || { cat "$work/log" && exit 1; }
+(cd examples && ../out/release/stashkeep "${example[@]}") >"$work/expected"
+trap 'cat "$work/log" >&2' ERR
+build "$work/first" >"$work/log" 2>&1
+(umask 077; build "$work/second/with/a/longer/path" >"$work/log" 2>&1)
+trap - ERR
 rm -rf out/packages
 mkdir -p out/packages
 cp "$work"/first/{stashkeep_*.deb,*.tar.gz,*.zip} out/packages
