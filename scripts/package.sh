@@ -15,6 +15,7 @@ trap 'rm -rf "$work"' EXIT
 
 # build FOLDER: makes all packages in FOLDER, from a copy of the sources
 build() (
+    exec >"$work/log" 2>&1
     mkdir -p "$1/sources"
     tar --exclude=./.git --exclude=./build --exclude=./out -c . | tar --no-same-permissions -xC "$1/sources"
     cd "$1/sources"
@@ -34,8 +35,8 @@ cmake --preset release >/dev/null
 cmake --build --preset release >/dev/null
 (cd examples && ../out/release/stashkeep "${example[@]}") >"$work/expected"
 trap 'cat "$work/log" >&2' ERR
-build "$work/first" >"$work/log" 2>&1
-(umask 077; build "$work/second/with/a/longer/path" >"$work/log" 2>&1)
+build "$work/first"
+(umask 077; build "$work/second/with/a/longer/path")
 trap - ERR
 rm -rf out/packages
 mkdir -p out/packages
