@@ -11,7 +11,6 @@ fi
 scripts/install.sh build-essential cmake debhelper g++-mingw-w64-x86-64-posix lintian man-db ninja-build zip
 version=$(sed -n 's/^project(stashkeep VERSION \([0-9.]*\).*/\1/p' CMakeLists.txt)
 work=$(mktemp -d)
-trap 'rm -rf "$work"' EXIT
 
 # build FOLDER: makes all packages in FOLDER, from a copy of the sources
 build() (
@@ -27,17 +26,15 @@ build() (
     cmake --build --preset windows
     scripts/archive.sh out/windows "../stashkeep-$version-windows-x86_64.zip"
 )
-# tryExample PROGRAM FOLDER: must print the same for the example in FOLDER as the program that was built here
+# tryExample PROGRAM FOLDER: must print the same for the example in FOLDER as the build in its source tree
 example=(check savegame.dat scripts/common/global/scr_{flags,collectableids,globaldefines}.asm)
 tryExample() { (cd "$2/examples" && "$1" "${example[@]}") | diff "$work/expected" -; }
 
-cmake --preset release >/dev/null
-cmake --build --preset release >/dev/null
-(cd examples && ../out/release/stashkeep "${example[@]}") >"$work/expected"
-trap 'cat "$work/log" >&2' ERR
+trap 'cat "$work/log" >&2; rm -rf "$work"' EXIT # shows why a build failed
 build "$work/first"
 (umask 077; build "$work/second/with/a/longer/path")
-trap - ERR
+trap 'rm -rf "$work"' EXIT
+(cd "$work/first/sources/examples" && ../out/release/stashkeep "${example[@]}") >"$work/expected"
 rm -rf out/packages
 mkdir -p out/packages
 cp "$work"/first/{stashkeep_*.deb,*.tar.gz,*.zip} out/packages
