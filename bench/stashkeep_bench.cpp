@@ -1,7 +1,7 @@
 // What the parts of the program cost, in bytes per second over inputs of two sizes, so that growth shows.
 #include <benchmark/benchmark.h>
 
-#include "cli/load_file.h"
+#include "cli/files.h"
 #include "fuzz/slow_tokenizer.h"
 #include "inspect/disc_savegame.h"
 #include "inspect/flag_dump.h"

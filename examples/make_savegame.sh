@@ -1,20 +1,20 @@
 #!/usr/bin/env bash
-# Makes the example savegame data file: examples/make_savegame.sh FILE
-# Change what you like below; the checksums follow by themselves.
+# Writes the example savegame data file: examples/make_savegame.sh FILE
+# Edit the values below as you like; the checksums are computed.
 set -euo pipefail
 
 bytes=()
 for ((i = 0; i < 1024; i++)); do bytes[i]=0; done
-start=0 # of the disc whose savegame is being made
+start=0 # offset of the current disc's savegame
 
-# put OFFSET VALUE...: bytes of the savegame, from OFFSET on
+# put OFFSET VALUE...: stores bytes in the current savegame, from OFFSET on
 put() {
     local at=$((start + $1)) value
     shift
     for value in "$@"; do bytes[at++]=$((value)); done
 }
 
-# worldFlag FIRST_BIT [VALUE], gameFlag FIRST_BIT [VALUE]: the bits that VALUE (default 1) has set
+# worldFlag FIRST_BIT [VALUE], gameFlag FIRST_BIT [VALUE]: stores VALUE (default 1), from FIRST_BIT on
 worldFlag() {
     local bit=$1 value=${2:-1}
     for (( ; value > 0; bit++, value >>= 1)); do
@@ -23,14 +23,14 @@ worldFlag() {
 }
 gameFlag() { worldFlag $((256 + $1)) "${2:-1}"; }
 
-# checksum FIRST LAST: stores the XOR of the bytes from FIRST to LAST behind them
+# checksum FIRST LAST: stores the XOR of the bytes FIRST to LAST in the byte after LAST
 checksum() {
     local sum=0 i
     for ((i = $1; i <= $2; i++)); do ((sum ^= bytes[start + i], 1)); done
     put $(($2 + 1)) $sum
 }
 
-# What both discs hold: the hero. An item's count is stored minus one.
+# The hero, the same on both discs. A count byte holds the number of items minus one.
 hero() {
     #   slot    0  1  2  3  4  5  6  7
     put 296     2  3 23  1  4 11 15 18 # inventoryItemIds: sword, bow, arrows, potion, fruit, map, lamp, glass

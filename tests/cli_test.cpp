@@ -1,6 +1,6 @@
 // The front end, and the files below everything.
 
-#include "cli/load_file.h"
+#include "cli/files.h"
 #include "test_support.h"
 
 namespace stashkeep {

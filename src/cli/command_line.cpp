@@ -1,8 +1,9 @@
-// The command words and the usage text are tables; what is left to do is to find the one or to print the other.
+// The command table, the usage text, and the lookup of a command word.
 #include "cli/command_line.h"
 
 #include <algorithm>
 #include <array>
+#include <string>
 #include <string_view>
 
 #include "cli/print_out.h"
@@ -51,7 +52,7 @@ constexpr std::array usageText{
     "stashkeep implantfbn <inputfilename> <game.fbn> : implants extracted savegame into frodo file\n",
 };
 
-/// ASCII only: what a letter is must not depend on a locale.
+/// ASCII only, so that the result does not depend on a locale.
 char toLowerCase(char byte) { return byte >= 'A' && byte <= 'Z' ? static_cast<char>(byte - 'A' + 'a') : byte; }
 
 }  // namespace
@@ -62,15 +63,12 @@ int runCommandLine(int argumentCount, const char* const* arguments) {
         return 0;
     }
     printOut("Be aware that this tool can have conflicting effects on different Zarnis builds!");
-    const std::string_view word = arguments[1];
+    std::string word = arguments[1];
+    std::ranges::transform(word, word.begin(), toLowerCase);
     for (const Command& command : commands) {
-        if (std::ranges::equal(command.word, word, {}, {}, toLowerCase)) {
-            return command.operation(argumentCount, arguments);
-        }
+        if (command.word == word) return command.operation(argumentCount, arguments);
     }
-    printOut("unknown command:");
-    for (const char byte : word) printOut("%c", toLowerCase(byte));
-    printOut("\n");
+    printOut("unknown command:%s\n", word.c_str());
     return 0;
 }
 

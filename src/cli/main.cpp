@@ -1,4 +1,4 @@
-// The entry, kept apart so that all the rest can be linked into the tests.
+// The entry point, on its own so that everything else can be linked into the tests.
 #include "cli/command_line.h"
 
 int main(int argumentCount, char* arguments[]) { return stashkeep::runCommandLine(argumentCount, arguments); }

@@ -1,4 +1,4 @@
-// A thin layer over vprintf, so that there is one place through which all output goes.
+// A thin wrapper around vprintf, the one place that writes to standard output.
 #include "cli/print_out.h"
 
 #include <cstdarg>

@@ -1,15 +1,14 @@
-// The one way to the console: everything that the program prints goes through here. The complaint that all operations
-// share stands here, too.
+// Console output: everything that the program prints goes through printOut.
 #pragma once
 
 namespace stashkeep {
 
 /// Formats its arguments as printf does and writes the result to standard output. Adds no line
-/// break of its own; a failure to write is not reported.
+/// break; a failed write is not reported.
 [[gnu::format(printf, 1, 2)]] void printOut(const char* format, ...);
 
-/// Prints `usage` (a command's usage line or lines, each with its line break) and the complaint
-/// that follows it. Returns the exit status for it, 1.
+/// Prints `usage`, which is one or more lines, each with its line break, and then
+/// "wrong argument count.". Returns the exit status 1.
 [[nodiscard]] int refuseArgumentCount(const char* usage);
 
 }  // namespace stashkeep

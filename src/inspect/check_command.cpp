@@ -1,7 +1,7 @@
 // Everything that can fail comes first; from the first heading on, only printing is left.
 #include "inspect/check_command.h"
 
-#include "cli/load_file.h"
+#include "cli/files.h"
 #include "cli/print_out.h"
 #include "inspect/disc_savegame.h"
 #include "inspect/flag_dump.h"

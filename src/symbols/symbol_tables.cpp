@@ -1,4 +1,4 @@
-// Defined in one file, so that they are built in this order, and destroyed in the reverse one.
+// In one file, so that they are constructed in this order and destroyed in the reverse order.
 #include "symbols/symbol_tables.h"
 
 namespace stashkeep {

@@ -1,4 +1,4 @@
-// What one run reads from the game's sources. These six objects are all of the program's state.
+// What a run reads from the game's sources. These six objects are the program's only global state.
 #pragma once
 
 #include <cstdint>
@@ -7,19 +7,19 @@
 
 namespace stashkeep {
 
-/// A run of bits in the flag area of a savegame; its first bit is its value's lowest.
+/// A run of bits in the flag area of a savegame; the first bit is the least significant bit of its value.
 struct Flag {
-    std::int32_t firstBit;  // game flags count from the first game flag, world flags from the area's start
+    std::int32_t firstBit;  // counted from the first game flag, or for world flags from the start of the area
     std::int32_t bitCount;
 };
 
-/// Flags and collectable ids by name, in plain unsigned byte order.
+/// Flags and collectable ids by name, ordered by plain unsigned byte comparison.
 using FlagTable = std::map<std::string, Flag>;
 using CollectableTable = std::map<std::string, std::int32_t>;
 
 extern const std::string asmSectionBegin;
 extern const std::string asmSectionEnd;
-extern std::string asmSectionText;  // the text of all asm sections read so far
+extern std::string asmSectionText;  // the text of all sections read so far
 extern FlagTable gameFlagTable;
 extern FlagTable worldFlagTable;
 extern CollectableTable collectableTable;

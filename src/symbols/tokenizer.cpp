@@ -1,19 +1,19 @@
-// One scanner serves both tokenizers. It takes runs of bytes of one class at a time; what a quote, a comment or a
-// section holds is taken in one go as well, so that the scanner itself knows but one state.
+// One scanner serves both tokenizers. It consumes runs of bytes of the same class, and each quoted stretch, comment and
+// section as a whole, so that its only state is the pending token.
 #include "symbols/tokenizer.h"
 
 #include <algorithm>
 #include <array>
 #include <cstdint>
-#include <exception>
 #include <string_view>
 #include <utility>
 
-#include "cli/load_file.h"
 #include "symbols/symbol_tables.h"
 
 namespace stashkeep {
 namespace {
+
+using namespace std::string_view_literals;
 
 enum class ByteClass : std::uint8_t { ordinary, blank, lineEnd, comma, semicolon, quote, numberSign };
 
@@ -30,67 +30,52 @@ constexpr std::array<ByteClass, 256> byteClasses = [] {
 
 ByteClass classOf(char byte) { return byteClasses[static_cast<unsigned char>(byte)]; }
 
-/// Whether a word is complete when a byte of the class follows it; behind a quote or a number sign it
-/// may go on.
-constexpr bool endsWord(ByteClass byteClass) {
-    return byteClass != ByteClass::quote && byteClass != ByteClass::numberSign;
-}
-
-/// The first byte that is not of `byteClass`, or `end`.
-const char* skipClass(ByteClass byteClass, const char* at, const char* end) {
-    while (at != end && classOf(*at) == byteClass) ++at;
-    return at;
-}
-
 struct Tokens {
     TokenList list;
-    std::string pending;  // the word that is being collected
+    bool isPending = false;  // whether more bytes may be appended to the last token
 };
 
-void flush(Tokens& tokens) {
-    if (tokens.pending.empty()) return;
-    tokens.list.push_back(std::move(tokens.pending));
-    tokens.pending.clear();
+void append(Tokens& tokens, std::string_view bytes) {
+    if (bytes.empty()) return;
+    if (tokens.isPending) {
+        tokens.list.back() += bytes;
+    } else {
+        tokens.list.emplace_back(bytes);
+        tokens.isPending = true;
+    }
 }
 
 void endStatement(Tokens& tokens) {
-    flush(tokens);
+    tokens.isPending = false;
     if (!tokens.list.empty() && tokens.list.back() != statementEnd) tokens.list.emplace_back(statementEnd);
 }
 
-/// Appends what is quoted from `at`, the byte behind the opening quote. Returns where the text goes
-/// on behind the closing one.
-const char* takeQuoted(const char* at, const char* end, std::string& pending) {
+// The take and skip functions get a position in the text, `at`, and its end, and return where to continue.
+
+/// Appends a quoted stretch to the pending token; `at` is behind the opening quote.
+const char* takeQuoted(const char* at, const char* end, Tokens& tokens) {
     for (;;) {
         const char* const special = std::find_if(at, end, [](char byte) { return byte == '"' || byte == '\\'; });
-        pending.append(at, special);
+        append(tokens, {at, special});
         if (special == end) return end;
         at = special + 1;
         if (*special == '"') return at;
-        const char escaped = at == end ? '\0' : *at;
-        if (escaped == 'n') {
-            pending += '\n';
-            ++at;
-        } else if (escaped == '\\' || escaped == '"' || escaped == '\t') {
-            pending += escaped;
-            ++at;
-        } else {
-            pending += '\\';
-        }
+        const bool isEscape = at != end && "n\\\"\t"sv.find(*at) != std::string_view::npos;
+        append(tokens, !isEscape ? "\\"sv : *at == 'n' ? "\n"sv : std::string_view(at, 1));
+        if (isEscape) ++at;
     }
 }
 
 bool startsWith(const char* at, const char* end, std::string_view marker) {
-    return std::string_view(at, static_cast<std::size_t>(end - at)).starts_with(marker);
+    return std::string_view(at, end).starts_with(marker);
 }
 
-/// Behind the marker at `at` and the one byte that follows it.
+/// Skips the marker at `at` and the one byte that follows it.
 const char* skipMarker(const char* at, const char* end, std::string_view marker) {
     return at + std::min(end - at, static_cast<std::ptrdiff_t>(marker.size()) + 1);
 }
 
-/// Appends to asmSectionText from `at`, the first byte of a section. Returns where the text goes on
-/// behind the end marker.
+/// Appends a section to asmSectionText, without its end marker; `at` is the section's first byte.
 const char* takeSection(const char* at, const char* end) {
     for (;;) {
         const char* const numberSign = std::find(at, end, '#');
@@ -106,13 +91,13 @@ const char* takeSection(const char* at, const char* end) {
     }
 }
 
-/// From a number sign to the end of its line.
+/// Skips a comment up to its line end; `at` is its number sign.
 const char* skipComment(const char* at, const char* end) {
     return std::find_if(at, end, [](char byte) { return classOf(byte) == ByteClass::lineEnd; });
 }
 
-/// From a number sign over all that it starts: markers with their sections, and a comment to the
-/// end of its line, which may hold more of them. Stops at the first byte of plain text.
+/// Skips what a number sign starts: markers, whose sections are taken, and a comment, which may hold
+/// more markers.
 const char* skipCommentAndSections(const char* at, const char* end) {
     bool inComment = false;
     while (at != end) {
@@ -131,59 +116,33 @@ const char* skipCommentAndSections(const char* at, const char* end) {
     return at;
 }
 
-/// Makes room for the tokens of a text and for what is made of them, which saves moving tokens over and
-/// over, and getting memory piece by piece. Only a short cut: where memory is scarce, both are done.
-void makeRoom(TokenList& tokens, std::size_t textSize) {
-    constexpr std::size_t usualTokenSize = 4;   // bytes of text for each token, at the least
-    constexpr std::size_t namesAndEntries = 5;  // bytes for each byte of text: long names, and what tables hold of them
-    const std::size_t tokenCount = textSize / usualTokenSize;
-    growHeap(tokenCount * sizeof(std::string) + textSize * namesAndEntries);
-    try {
-        tokens.reserve(tokenCount);
-    } catch (const std::exception&) {  // enough for all the tokens that there are, perhaps
-    }
-}
-
-/// Gives back the room of a list that has come out far shorter than expected, as it does for a text of
-/// comments: lists of many files may be kept side by side.
-void giveBackRoom(TokenList& tokens) {
-    constexpr std::size_t worthMoving = 16;  // times as much room as there are tokens
-    if (tokens.size() * worthMoving < tokens.capacity()) tokens.shrink_to_fit();
-}
-
-/// Splits `text`; `skipNumberSign` takes a number sign and what it starts, and returns where plain
-/// text goes on.
+/// Splits `text`; `skipNumberSign` skips what a number sign starts.
 TokenList scan(std::string_view text, const char* (*skipNumberSign)(const char* at, const char* end)) {
+    constexpr std::size_t usualTokenSize = 6;  // bytes of text, with the separator
     Tokens tokens;
-    makeRoom(tokens.list, text.size());
+    tokens.list.reserve(text.size() / usualTokenSize);
     const char* at = text.data();
     const char* const end = at + text.size();
     while (at != end) {
         const char* const start = at++;
         switch (classOf(*start)) {
             case ByteClass::ordinary:
-                at = skipClass(ByteClass::ordinary, at, end);
-                // A word that nothing can join goes into the list without a stop in `pending`.
-                if (tokens.pending.empty() && at != end && endsWord(classOf(*at))) {
-                    tokens.list.emplace_back(start, at);
-                } else {
-                    tokens.pending.append(start, at);
-                }
+                at = std::find_if(at, end, [](char byte) { return classOf(byte) != ByteClass::ordinary; });
+                append(tokens, {start, at});
                 break;
             case ByteClass::blank:
-                flush(tokens);
-                at = skipClass(ByteClass::blank, at, end);
+                tokens.isPending = false;
                 break;
             case ByteClass::lineEnd:
             case ByteClass::semicolon:
                 endStatement(tokens);
                 break;
             case ByteClass::comma:
-                flush(tokens);
+                tokens.isPending = false;
                 tokens.list.emplace_back(",");
                 break;
             case ByteClass::quote:
-                at = takeQuoted(at, end, tokens.pending);
+                at = takeQuoted(at, end, tokens);
                 break;
             case ByteClass::numberSign:
                 at = skipNumberSign(start, end);
@@ -191,13 +150,12 @@ TokenList scan(std::string_view text, const char* (*skipNumberSign)(const char* 
         }
     }
     endStatement(tokens);
-    giveBackRoom(tokens.list);
     return std::move(tokens.list);
 }
 
 }  // namespace
 
-// Both own their texts, so that these are gone before the tokens are used.
+// Each owns its text, which is released before the caller uses the tokens.
 // NOLINTBEGIN(performance-unnecessary-value-param)
 // cppcheck-suppress passedByValue
 TokenList splitLine(std::string text) { return scan(text, skipComment); }

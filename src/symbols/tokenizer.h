@@ -1,10 +1,10 @@
-// Splitting the game's source files into tokens: words, "," for every comma, and ";" where a
-// statement ends (at a line end, a semicolon or the end of the text). No token is empty. A quoted
-// semicolon makes the same token as the end of a statement, so that a statement may be.
+// Tokenizers for the game's source files. A token is a word, "," for each comma, or ";" for the end of
+// a statement, which is a line end, a semicolon or the end of the text. No token is empty, and no list
+// begins with ";" or has two in a row, unless they were quoted.
 //
-// Double quotes keep separators inside a word; in them a backslash before n, a backslash, a double
-// quote or a tab byte stands for a line feed or for that byte. A number sign starts a comment that
-// runs to the line end. Any byte may occur; none is an error.
+// Double quotes keep separators inside a word. Inside them, a backslash followed by n is a line feed;
+// followed by a backslash, a double quote or a tab byte, it is that byte. A number sign starts a
+// comment that ends with the line. Every text is valid, whatever its bytes. See docs/formats.md.
 #pragma once
 
 #include <string>
@@ -20,9 +20,10 @@ inline constexpr std::string_view statementEnd = ";";
 /// The tokens of a whole text. Throws std::bad_alloc when memory runs out.
 [[nodiscard]] TokenList splitLine(std::string text);
 
-/// The same, except that the text between "#AsmSectionBegin" and "#AsmSectionEnd", or the end of the
-/// text, is appended as it stands to asmSectionText, which is the caller's to empty. A marker counts
-/// wherever it is not in quotes, in comments and sections too, and takes the one byte behind it along.
+/// The same, except that sections are not tokenized: the text between "#AsmSectionBegin" and
+/// "#AsmSectionEnd", or the end of the text, is appended unchanged to asmSectionText, which the caller
+/// empties. A marker counts everywhere but in quotes, even in a comment or a section, and consumes the
+/// one byte after it.
 [[nodiscard]] TokenList splitAsmLine(std::string text);
 
 }  // namespace stashkeep

@@ -5,7 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "cli/load_file.h"
+#include "cli/files.h"
 #include "cli/print_out.h"
 #include "transfer/savegame_data_file.h"
 

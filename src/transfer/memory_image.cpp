@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <optional>
 
-#include "cli/load_file.h"
+#include "cli/files.h"
 #include "cli/print_out.h"
 #include "transfer/savegame_data_file.h"
 

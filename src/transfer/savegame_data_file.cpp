@@ -1,7 +1,7 @@
 // Writing the data file; it is read page by page, straight into the place of each page.
 #include "transfer/savegame_data_file.h"
 
-#include "cli/load_file.h"
+#include "cli/files.h"
 #include "cli/print_out.h"
 
 namespace stashkeep {

@@ -1,4 +1,4 @@
-# The ids of what can be collected.
+# The ids of the collectable items.
 COLLECTABLE_MONEY = 0
 COLLECTABLE_POTION_HEALING = 1
 COLLECTABLE_BASICSWORD = 2

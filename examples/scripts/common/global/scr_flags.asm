@@ -1,6 +1,6 @@
-# The game's flags. They get their bits in this order, from bit 0 on:
+# The game's flags. Bits are assigned in this order, starting with bit 0:
 #   .flag NAME          one bit
-#   .flags NAME, COUNT  so many bits
+#   .flags NAME, COUNT  COUNT bits
 
 # Story
 .flag FLAG_INTRO_SEEN

@@ -1,5 +1,5 @@
-# Definitions that every script shares. Only the assembler section matters for
-# savegames: the files that it includes define the world flags.
+# Definitions shared by all scripts. Only the assembler section matters for
+# savegames: the files included there define the world flags.
 define SCREEN_WIDTH 40
 define SCREEN_HEIGHT 25
 
