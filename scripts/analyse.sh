@@ -10,7 +10,9 @@ mapfile -t scripts < <(git grep -lE '^#!.*(bash|sh)$')
 
 clang-format --dry-run --Werror "${sources[@]}" "${headers[@]}"
 shellcheck "${scripts[@]}"
-cppcheck --quiet --error-exitcode=1 --std=c++20 --language=c++ --enable=warning,performance,portability --inline-suppr -Isrc src
-cmake --preset clang -B out/analysis -DSTASHKEEP_BENCH=ON -DSTASHKEEP_FUZZ=ON -DCMAKE_EXPORT_COMPILE_COMMANDS=ON >/dev/null
+cppcheck --quiet --error-exitcode=1 --std=c++20 --language=c++ --enable=warning,performance,portability \
+    --inline-suppr -Isrc src
+cmake --preset clang -B out/analysis -DSTASHKEEP_BENCH=ON -DSTASHKEEP_FUZZ=ON \
+    -DCMAKE_EXPORT_COMPILE_COMMANDS=ON >/dev/null
 printf '%s\n' "${sources[@]}" | xargs -P "$(nproc)" -n 1 clang-tidy -p out/analysis --quiet
 echo "${#sources[@]} sources, ${#headers[@]} headers and ${#scripts[@]} scripts: no findings"
