@@ -8,9 +8,9 @@ target=$1 seconds=$2
 scripts/install.sh cmake ninja-build g++ clang libclang-rt-14-dev libgtest-dev
 cmake --preset fuzz ${CI:+-DCMAKE_COMPILE_WARNING_AS_ERROR=ON} >/dev/null
 cmake --build --preset fuzz >/dev/null
-mkdir -p out/fuzz/found "out/fuzz/corpus/$target"
-cd out/fuzz
-# The targets write many files, which is faster in memory.
-TMPDIR=/dev/shm "tests/fuzz_$target" -max_total_time="$seconds" -max_len=10000 -timeout=20 \
-    -verbosity=0 -print_funcs=0 -print_final_stats=1 -dict=../../tests/fuzz/words.dict \
-    -artifact_prefix="found/$target-" "corpus/$target" "../../tests/fuzz/seeds/$target"
+out=$PWD/out/fuzz
+mkdir -p "$out/found" "$out/corpus/$target"
+# The targets work in a temporary folder: faster in memory, and the reason for full paths.
+TMPDIR=/dev/shm "$out/tests/fuzz_$target" -max_total_time="$seconds" -max_len=10000 -timeout=20 \
+    -verbosity=0 -print_funcs=0 -print_final_stats=1 -dict="$PWD/tests/fuzz/words.dict" \
+    -artifact_prefix="$out/found/$target-" "$out/corpus/$target" "$PWD/tests/fuzz/seeds/$target"
