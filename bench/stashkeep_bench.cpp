@@ -1,4 +1,4 @@
-// What the parts of the program cost, in bytes per second over inputs of two sizes, so that growth shows.
+// Benchmarks of functions over inputs of two sizes.
 #include <benchmark/benchmark.h>
 
 #include "cli/files.h"
@@ -11,7 +11,7 @@
 namespace stashkeep {
 namespace {
 
-/// About `size` bytes of flags, world flags, comments and quotes, in the proportions of a game's sources.
+/// About `size` bytes of flags, world flags, comments and quotes, in the proportions of typical sources.
 std::string source(std::size_t size) {
     std::string text;
     for (int i = 0; text.size() < size; ++i) {
@@ -24,7 +24,7 @@ std::string source(std::size_t size) {
     return text;
 }
 
-/// 100 KB and 16 MB: what takes twice as long for each byte of the larger one does not grow linearly.
+/// 100 KB and 16 MB, to show whether the time grows linearly.
 void bothSizes(benchmark::internal::Benchmark* runs) {
     runs->Arg(100'000)->Arg(16'000'000)->Unit(benchmark::kMillisecond);
 }
@@ -46,12 +46,10 @@ void tokenize(benchmark::State& state) {
 TokenList splitLineSlowly(const std::string& text) { return splitSlowly(text, nullptr); }
 TokenList splitAsmLineSlowly(const std::string& text) { return splitSlowly(text, &asmSectionText); }
 
-// The slow ones come first, since the heap stays as splitLine has grown it.
 BENCHMARK(tokenize<splitLineSlowly>)->Name("splitLine byte by byte")->Apply(bothSizes);
 BENCHMARK(tokenize<splitAsmLineSlowly>)->Name("splitAsmLine byte by byte")->Apply(bothSizes);
 BENCHMARK(tokenize<splitLine>)->Name("splitLine")->Apply(bothSizes);
 BENCHMARK(tokenize<splitAsmLine>)->Name("splitAsmLine")->Apply(bothSizes);
-BENCHMARK(tokenize<splitLineSlowly>)->Name("splitLine byte by byte, in the same heap")->Apply(bothSizes);
 
 void readSymbols(benchmark::State& state) {
     const InFolder folder;

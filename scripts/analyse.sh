@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Looks for faults without running anything: formatting, clang-tidy, cppcheck and shellcheck. Any finding fails.
+# Static analysis: clang-format, clang-tidy, cppcheck and shellcheck. Any finding is an error.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -10,7 +10,9 @@ mapfile -t scripts < <(git grep -lE '^#!.*(bash|sh)$')
 
 clang-format --dry-run --Werror "${sources[@]}" "${headers[@]}"
 shellcheck "${scripts[@]}"
-cppcheck --quiet --error-exitcode=1 --std=c++20 --language=c++ --enable=warning,performance,portability --inline-suppr -Isrc src
-cmake --preset clang -B out/analysis -DSTASHKEEP_BENCH=ON -DSTASHKEEP_FUZZ=ON -DCMAKE_EXPORT_COMPILE_COMMANDS=ON >/dev/null
+cppcheck --quiet --error-exitcode=1 --std=c++20 --language=c++ --enable=warning,performance,portability \
+    --inline-suppr -Isrc src
+cmake --preset clang -B out/analysis -DSTASHKEEP_BENCH=ON -DSTASHKEEP_FUZZ=ON \
+    -DCMAKE_EXPORT_COMPILE_COMMANDS=ON >/dev/null
 printf '%s\n' "${sources[@]}" | xargs -P "$(nproc)" -n 1 clang-tidy -p out/analysis --quiet
-echo "${#sources[@]} sources, ${#headers[@]} headers and ${#scripts[@]} scripts: nothing found"
+echo "${#sources[@]} sources, ${#headers[@]} headers and ${#scripts[@]} scripts: no findings"

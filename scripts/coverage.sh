@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Prints which lines and branches of src/ the tests reach, and fails where a line is left out.
+# Prints the line and branch coverage of src/ by the tests, and fails if a line is not covered.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 

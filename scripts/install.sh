@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Installs those of the named Debian packages that are missing: scripts/install.sh PACKAGE...
+# Installs the given Debian packages, if they are missing: scripts/install.sh PACKAGE...
 set -euo pipefail
 
 missing=()

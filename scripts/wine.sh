@@ -1,6 +1,6 @@
 #!/bin/sh
 # Runs a program for Windows: scripts/wine.sh PROGRAM.exe [ARGUMENT...]
-# Wine keeps its files in out/windows/wine, and its server for a minute more: only the first run takes its time.
+# Wine's files are in out/windows/wine. Its server stays for a minute, so that only the first run is slow.
 set -eu
 
 folder=$(dirname "$0")/../out/windows/wine
@@ -8,17 +8,11 @@ mkdir -p "$folder"
 WINEPREFIX=$(cd "$folder" && pwd)
 export WINEPREFIX WINEDEBUG=-all WINEDLLOVERRIDES='mscoree,mshtml=' LC_ALL=C.UTF-8
 
-# A file that is read-only is so for everyone on Windows; here it is not for root with all its rights.
-run() {
-    if [ "$(id -u)" -eq 0 ]; then
-        setpriv --bounding-set=-dac_override,-dac_read_search "$@"
-    else
-        "$@"
-    fi
-}
+# Without these capabilities, root cannot write to read-only files, as nobody can on Windows.
+[ "$(id -u)" -ne 0 ] || wine="setpriv --bounding-set=-dac_override,-dac_read_search"
 
-# What the server starts lives as long as it does, so it must not hold on to our output.
-if run /usr/lib/wine/wineserver64 -p60 >/dev/null 2>&1; then
-    run /usr/lib/wine/wine64 wineboot --init >/dev/null 2>&1 </dev/null
+# Background processes of the server must not inherit the output, or a pipe would stay open until they end.
+if ${wine-} /usr/lib/wine/wineserver64 -p60 >/dev/null 2>&1; then
+    ${wine-} /usr/lib/wine/wine64 wineboot --init >/dev/null 2>&1 </dev/null
 fi
-run /usr/lib/wine/wine64 "$@"
+exec ${wine-} /usr/lib/wine/wine64 "$@"

@@ -1,6 +1,6 @@
-# Completion for bash: the command words, and for each place the files that fit there.
+# bash completion: command words, and files with the extension that each argument expects.
 
-# A file that may hold a savegame: any that is no medium and no source.
+# Data files can have any name, so this offers all files except images and sources.
 _stashkeep_data_file() {
     local name files=()
     _filedir
@@ -14,7 +14,7 @@ _stashkeep_data_file() {
 }
 
 _stashkeep() {
-    # shellcheck disable=SC2034 # _init_completion sets them all
+    # shellcheck disable=SC2034 # set by _init_completion
     local cur prev words cword
     _init_completion || return
 

@@ -1,26 +1,26 @@
-# Completion for fish: the command words, and for each place the files that fit there.
+# fish completion: command words, and files with the extension that each argument expects.
 
-# Whether the word being typed stands at one of the places that the pattern names, such as
-# "extractd64:2". Place 1 is the command word's.
+# True if the current argument matches the pattern of COMMAND:POSITION, such as "extractd64:2".
+# The command word itself is at position 1.
 function __stashkeep_at
     set -l words (commandline -opc)
     string match -qr -- "^(?:$argv[1])\$" (string lower -- "$words[2]"):(count $words)
 end
 
-# Folders, and the files with one of the endings that the pattern names, in either case.
+# Folders, and files whose extension matches the pattern; case is ignored.
 function __stashkeep_files
     __fish_complete_path (commandline -ct) | string match -r -- "(?i)^[^\t]*(?:/|\.(?:$argv[1]))(?:\t.*)?\$"
 end
 
-# Folders, and files that may hold a savegame: any that is no medium and no source.
+# Data files can have any name, so this offers folders and all files except images and sources.
 function __stashkeep_data_files
     __fish_complete_path (commandline -ct) | string match -vr -- '(?i)^[^\t]*\.(?:d64|reu|bin|ybn|fbn|asm)(?:\t.*)?$'
 end
 
 complete -c stashkeep -f
 for kind in d64 reu georam neoram ybn fbn
-    complete -c stashkeep -n '__stashkeep_at :1' -a extract$kind -d 'take a savegame out'
-    complete -c stashkeep -n '__stashkeep_at :1' -a implant$kind -d 'put a savegame back'
+    complete -c stashkeep -n '__stashkeep_at :1' -a extract$kind -d 'copy a savegame from an image'
+    complete -c stashkeep -n '__stashkeep_at :1' -a implant$kind -d 'copy a savegame into an image'
 end
 complete -c stashkeep -n '__stashkeep_at :1' -a check -d 'print a savegame'
 

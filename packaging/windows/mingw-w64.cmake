@@ -1,8 +1,8 @@
-# Builds for 64-bit Windows on another system: cmake --preset windows
+# Toolchain for cross-compiling to 64-bit Windows: cmake --preset windows
 set(CMAKE_SYSTEM_NAME Windows)
 set(CMAKE_SYSTEM_PROCESSOR x86_64)
 
-# With POSIX threads, which the tests use; the program uses none.
+# The POSIX thread model, for the tests; the program has no threads.
 set(CMAKE_C_COMPILER x86_64-w64-mingw32-gcc-posix)
 set(CMAKE_CXX_COMPILER x86_64-w64-mingw32-g++-posix)
 set(CMAKE_RC_COMPILER x86_64-w64-mingw32-windres)

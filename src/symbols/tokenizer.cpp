@@ -60,7 +60,7 @@ const char* takeQuoted(const char* at, const char* end, Tokens& tokens) {
         if (special == end) return end;
         at = special + 1;
         if (*special == '"') return at;
-        const bool isEscape = at != end && "n\\\"\t"sv.find(*at) != std::string_view::npos;
+        const bool isEscape = at != end && (*at == 'n' || *at == '\\' || *at == '"' || *at == '\t');
         append(tokens, !isEscape ? "\\"sv : *at == 'n' ? "\n"sv : std::string_view(at, 1));
         if (isEscape) ++at;
     }

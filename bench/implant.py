@@ -1,0 +1,12 @@
+# Implants savegame.dat into copy.reu as stashkeep does. A program to compare with.
+import struct
+
+with open("savegame.dat", "rb") as file:
+    data = file.read()
+with open("copy.reu", "r+b") as file:
+    image = bytearray(file.read())
+    for page, pointer in enumerate((0x900, 0x908, 0x1100, 0x1108)):
+        place = struct.unpack_from("<I", image, pointer)[0]
+        image[place : place + 256] = data[256 * page : 256 * page + 256]
+    file.seek(0)
+    file.write(image)

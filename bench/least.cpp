@@ -1,0 +1,12 @@
+// The least program that loads a file as loadFile has to: into a zeroed vector, with one read. A program to compare with.
+#include <cstdio>
+#include <vector>
+
+int main(int /*argumentCount*/, char* arguments[]) {
+    std::FILE* const file = std::fopen(arguments[1], "rb");
+    std::setvbuf(file, nullptr, _IONBF, 0);
+    std::fseek(file, 0, SEEK_END);
+    std::vector<char> bytes(static_cast<std::size_t>(std::ftell(file)));
+    std::rewind(file);
+    return std::fread(bytes.data(), 1, bytes.size(), file) == bytes.size() ? 0 : 1;
+}

@@ -1,0 +1,23 @@
+#!/usr/bin/env bash
+# Packs what a build installs into one folder: scripts/archive.sh BUILD_FOLDER ARCHIVE.tar.gz|ARCHIVE.zip
+# Order, times, owner and modes are fixed, so that equal builds give equal archives.
+set -euo pipefail
+mkdir -p "$(dirname "$2")"
+build=$(realpath "$1") archive=$(realpath "$2")
+cd "$(dirname "$0")/.."
+
+scripts/install.sh cmake dpkg-dev zip
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+folder=$(basename "${archive%.zip}" .tar.gz)
+SOURCE_DATE_EPOCH=$(dpkg-parsechangelog -l debian/changelog -S Timestamp)
+export SOURCE_DATE_EPOCH TZ=UTC LC_ALL=C # strip writes the time into a program for Windows
+cmake --install "$build" --strip --prefix "$work/$folder" >/dev/null
+cd "$work"
+chmod -R u=rwX,go=rX "$folder"
+find "$folder" -exec touch --date "@$SOURCE_DATE_EPOCH" {} +
+rm -f "$archive"
+case $archive in
+    *.zip) find "$folder" -type f | sort | zip -q -X -@ "$archive" ;;
+    *) tar --sort=name --owner=0 --group=0 --numeric-owner -c "$folder" | gzip -9n >"$archive" ;;
+esac
