@@ -1,4 +1,4 @@
-# Implants savegame.dat into copy.reu as stashkeep does. A program to compare with.
+# A program to compare with: implants savegame.dat into copy.reu as stashkeep does.
 import struct
 
 with open("savegame.dat", "rb") as file:

@@ -1,4 +1,4 @@
-// The least program that loads a file as loadFile has to: into a zeroed vector, with one read. A program to compare with.
+// A program to compare with: the least that loads a file as loadFile has to, into a zeroed vector with one read.
 #include <cstdio>
 #include <vector>
 

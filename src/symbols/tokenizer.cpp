@@ -61,7 +61,7 @@ const char* takeQuoted(const char* at, const char* end, Tokens& tokens) {
         at = special + 1;
         if (*special == '"') return at;
         const bool isEscape = at != end && (*at == 'n' || *at == '\\' || *at == '"' || *at == '\t');
-        append(tokens, !isEscape ? "\\"sv : *at == 'n' ? "\n"sv : std::string_view(at, 1));
+        append(tokens, isEscape && *at == 'n' ? "\n"sv : std::string_view(isEscape ? at : special, 1));
         if (isEscape) ++at;
     }
 }

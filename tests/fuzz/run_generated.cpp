@@ -16,7 +16,7 @@ int main(int /*argumentCount*/, char* arguments[]) {
         seeds.push_back(stashkeep::readFile(file.path().string()));
     }
     std::sort(seeds.begin(), seeds.end());  // a folder has no order of its own
-    std::mt19937 random;                    // NOLINT(cert-msc51-cpp): the same numbers in every run
+    std::mt19937 random;                    // NOLINT(cert-msc*): the same numbers in every run
     for (std::size_t i = 0; i < seeds.size() + std::stoul(arguments[2]); ++i) {
         input = seeds[i % seeds.size()];
         for (std::size_t edits = i < seeds.size() ? 0 : 1 + random() % 8; edits > 0; --edits) {

@@ -10,9 +10,11 @@
 
 namespace stashkeep {
 
+inline std::string upToNul(const std::string& text) { return text.substr(0, text.find('\0')); }
+
 inline TokenList tokensSlowly(const std::string& path, std::string* sectionText = nullptr) {
-    if (!std::filesystem::is_regular_file(path.c_str())) throw std::runtime_error(path);
-    return splitSlowly(readFile(path.c_str(), std::ios::in), sectionText);
+    if (!std::filesystem::is_regular_file(path)) throw std::runtime_error(path);
+    return splitSlowly(readFile(path, std::ios::in), sectionText);
 }
 
 /// Adds a term of a world flag to `sum`; one that is no number, or out of range, counts as 0.
@@ -32,7 +34,7 @@ inline std::string dumpSlowly(const DiscSavegame& savegame, const FlagTable& fla
             if (bit < 0 || bit >= 1280) continue;
             if ((savegame.flagBits[static_cast<std::size_t>(bit / 8)] >> bit % 8 & 1) == 1) value += 1U << k;
         }
-        text += std::string(name.c_str()) + " = " + std::to_string(static_cast<std::int32_t>(value)) + "\n";
+        text += upToNul(name) + " = " + std::to_string(static_cast<std::int32_t>(value)) + "\n";
     }
     return text;
 }
@@ -60,9 +62,9 @@ inline std::string checkSlowly() {
         tokens = splitSlowly(sectionText, nullptr);
         TokenList included;
         for (std::size_t i = 0; i < tokens.size(); ++i) {
-            printed += std::string(tokens[i].c_str()) + "_";
+            printed += upToNul(tokens[i]) + "_";
             if (tokens[i] != "include") continue;
-            std::string path = "generated/" + tokens[i + 1];
+            std::string path = "generated/" + upToNul(tokens[i + 1]);
             std::replace(path.begin(), path.end(), '\\', '/');
             for (const std::string& token : tokensSlowly(path)) included.push_back(token);
         }
