@@ -1,4 +1,4 @@
-// Everything that can fail comes first; from the first heading on, only printing is left.
+// Reads everything that can fail first, and then prints.
 #include "inspect/check_command.h"
 
 #include "cli/files.h"

@@ -1,4 +1,4 @@
-// What fields mean that are more than a byte: checksums, composed numbers and the bits of flags.
+// Everything that is more than reading a byte: checksums, composed numbers and flag bits.
 #include "inspect/disc_savegame.h"
 
 #include <functional>
@@ -9,7 +9,7 @@ namespace {
 
 constexpr std::size_t page1Offset = offsetof(DiscSavegame, chestItemIds);
 
-/// The bytes of the savegame from offset `first` up to, but not including, offset `last`.
+/// The bytes at the offsets [first, last).
 std::span<const std::uint8_t> bytesBetween(const DiscSavegame& savegame, std::size_t first, std::size_t last) {
     return std::span(reinterpret_cast<const std::uint8_t*>(&savegame), sizeof savegame).subspan(first, last - first);
 }

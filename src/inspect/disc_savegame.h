@@ -1,4 +1,4 @@
-// The two pages of one disc's savegame as the game lays them out in memory and on disc; see docs/formats.md.
+// The two pages of a disc's savegame, as the game lays them out in memory and on disc. See docs/formats.md.
 #pragma once
 
 #include <array>
@@ -11,13 +11,13 @@ namespace stashkeep {
 inline constexpr std::size_t chestSlots = 20;
 inline constexpr std::size_t inventorySlots = 24;
 
-/// 512 bytes, page 0 and then page 1, read straight from a file. Fields are unsigned bytes, and
-/// named as the report prints them; what the tool has no meaning for is called uninterpreted.
+/// 512 bytes, page 0 and then page 1, read straight from a file. Fields have the names that the
+/// report prints; bytes of unknown meaning are called uninterpreted.
 struct DiscSavegame {
     // Page 0
-    std::array<std::uint8_t, 160> flagBits;  // 1280 bits, bit i of the area at byte i / 8, bit i % 8
+    std::array<std::uint8_t, 160> flagBits;  // 1280 bits; bit i is bit i % 8 of byte i / 8
     std::array<std::uint8_t, 61> uninterpretedChecked;
-    std::uint8_t checkSumPage0;  // over all of page 0 before it
+    std::uint8_t checkSumPage0;  // over all bytes of page 0 before it
     std::array<std::uint8_t, 34> uninterpretedPage0End;
     // Page 1
     std::array<std::uint8_t, chestSlots> chestItemIds;
@@ -37,7 +37,7 @@ struct DiscSavegame {
     std::uint8_t activatedWomen;
     std::uint8_t specialFlags;
     std::uint8_t validsavegame;  // 0x55 in a valid savegame
-    std::uint8_t checkSumPage1;  // over all of page 1 before it
+    std::uint8_t checkSumPage1;  // over all bytes of page 1 before it
     std::array<std::uint8_t, 118> uninterpretedUnchecked;
     std::array<std::uint8_t, 2> savegameid;  // little-endian
     std::array<std::uint8_t, 34> uninterpretedPage1End;
@@ -50,8 +50,8 @@ static_assert(offsetof(DiscSavegame, savegameid) == 476);
 
 inline constexpr int flagBitCount = 8 * sizeof(DiscSavegame::flagBits);
 
-/// XOR of all the bytes, starting from 0; no bytes give 0.
-/// A page is valid when this, over the bytes it covers, equals its stored checksum.
+/// XOR of all bytes, starting from 0. A page is valid if this, over the bytes that its checksum
+/// covers, equals the stored checksum.
 [[nodiscard]] std::uint8_t xorChecksum(std::span<const std::uint8_t> bytes);
 
 [[nodiscard]] bool isPage0Valid(const DiscSavegame& savegame);

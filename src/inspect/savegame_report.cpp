@@ -1,4 +1,4 @@
-// The report line by line, in the order in which it is printed, and the names of the items.
+// The report, line by line in the order of printing, and the names of the items.
 #include "inspect/savegame_report.h"
 
 #include <algorithm>
@@ -16,7 +16,7 @@ struct CollectableName {
     int id;
 };
 
-/// The game's items. What the game's sources define plays no part here.
+/// The game's items, whatever ids the game's sources define.
 constexpr std::array<CollectableName, 45> collectableNames{{
     {"COLLECTABLE_MONEY", 0},
     {"COLLECTABLE_POTION_HEALING", 1},
@@ -73,7 +73,7 @@ const char* collectableName(std::uint8_t id) {
 
 const char* trueOrFalse(bool value) { return value ? "true" : "false"; }
 
-/// `count` as stored: the number of items, minus one. Prints no line end.
+/// `count` is the stored one: the number of items, minus one. Prints no line break.
 void printSlot(std::size_t slot, std::uint8_t id, std::uint8_t count) {
     printOut("%d_item:%d<%s> count:%d", static_cast<int>(slot), id, collectableName(id), count + 1);
 }

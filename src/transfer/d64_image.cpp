@@ -1,4 +1,4 @@
-// An image of the right size holds both sectors: its size is all that is tested.
+// Only the size of an image is checked, which makes sure that both sectors are inside.
 #include "transfer/d64_image.h"
 
 #include <algorithm>
@@ -27,15 +27,15 @@ bool isAccepted(const ByteVector& image, const char* path) {
     return false;
 }
 
-/// Loads both images before either is tested; false after the message about the first one that is
-/// not accepted.
+/// Loads both images before it checks them; false after the message about the first one that is not
+/// accepted.
 bool loadDiscs(const char* disc2Path, const char* disc3Path, DiscImages& discs) {
     discs.disc2 = loadFile(disc2Path);
     discs.disc3 = loadFile(disc3Path);
     return isAccepted(discs.disc2, disc2Path) && isAccepted(discs.disc3, disc3Path);
 }
 
-/// The first of the 256 bytes of the page at `place`.
+/// The first byte of the page at `place`.
 std::uint8_t* findPage(DiscImages& discs, const PagePlace& place) {
     return &(place.disc == 2 ? discs.disc2 : discs.disc3)[place.d64Offset];
 }

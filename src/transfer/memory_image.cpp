@@ -1,4 +1,4 @@
-// The image itself tells where its pages are, and may be any file: no offset is used before it is tested.
+// The page offsets come from the image, which may be any file: each is checked before it is used.
 #include "transfer/memory_image.h"
 
 #include <algorithm>
@@ -23,8 +23,8 @@ std::uint32_t readPointer(const std::uint8_t* bytes) {
     return value;
 }
 
-/// The offset of the page at `place`; none when the image is too short for the pointer table or
-/// the page does not lie wholly inside the image.
+/// The offset of the page at `place`; empty if the image is too short for the pointers, or if the
+/// page is not wholly inside the image.
 std::optional<std::size_t> findPage(const ByteVector& image, const PagePlace& place) {
     if (image.size() < leastImageSize) return std::nullopt;
     const std::size_t offset = readPointer(&image[place.pointerOffset]);
@@ -69,7 +69,7 @@ int implantIntoImage(int argumentCount, const char* const* arguments) {
         return 1;
     }
     for (const PagePlace& place : pagePlaces) {
-        // Looked up page by page, since a page may lie over the pointers of the later ones.
+        // One by one, since a page may overwrite the pointers of later ones.
         const std::optional<std::size_t> offset = findPage(image, place);
         if (!offset) return refuseImage(imagePath);
         readBytes(dataFile, &image[*offset], pageSize);

@@ -1,4 +1,4 @@
-// Writing the data file; it is read page by page, straight into the place of each page.
+// Writing the data file. Readers read its pages straight into the images.
 #include "transfer/savegame_data_file.h"
 
 #include "cli/files.h"

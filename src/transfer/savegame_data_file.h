@@ -1,5 +1,5 @@
-// The savegame data file: the small host file in which a savegame travels between the game's media.
-// Four pages of 256 bytes and nothing else: no header, no checksum of its own.
+// The savegame data file, which holds a savegame outside the game's media: four pages of 256 bytes,
+// without a header or a checksum of its own. See docs/formats.md.
 #pragma once
 
 #include <array>
@@ -8,20 +8,20 @@
 
 namespace stashkeep {
 
-inline constexpr std::size_t pageSize = 256;  // bytes; also that of a disc's sector
+inline constexpr std::size_t pageSize = 256;  // bytes; also the size of a sector
 inline constexpr std::size_t pageCount = 4;
 
 /// 256 bytes of a disc's savegame.
 using SavegamePage = std::array<std::uint8_t, pageSize>;
 
-/// Where the game keeps one page of its savegame.
+/// Where one page of the savegame is, in each medium.
 struct PagePlace {
     int disc;                   // 2 or 3
-    std::size_t d64Offset;      // of the page itself in that disc's D64 image
-    std::size_t pointerOffset;  // in a memory image, of the pointer to the page
+    std::size_t d64Offset;      // of the page, in the D64 image of that disc
+    std::size_t pointerOffset;  // of the pointer to the page, in a memory image
 };
 
-/// The pages in the order of the data file, which is their order everywhere.
+/// The pages in the order of the data file, which is used everywhere.
 inline constexpr std::array<PagePlace, pageCount> pagePlaces{{
     {2, 0x0000, 0x0900},  // page 0: track 1, sector 0
     {2, 0x0400, 0x0908},  // page 1: track 1, sector 4
@@ -35,7 +35,7 @@ struct SavegameDataFile {
 static_assert(sizeof(SavegameDataFile) == 1024);
 
 /// Creates the data file at `path`, or truncates an existing one, and writes the four pages, each
-/// with one write. Returns 0, also when a write fails; where the file cannot be created, prints
+/// with one write. Returns 0, also if a write fails; if the file cannot be created, prints
 /// "File:<path> couldn't be created." and returns 1.
 [[nodiscard]] int writeSavegameDataFile(const char* path, const SavegameDataFile& dataFile);
 
