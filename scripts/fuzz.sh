@@ -7,7 +7,7 @@ target=$1 seconds=$2
 
 scripts/install.sh cmake ninja-build g++ clang libclang-rt-14-dev libgtest-dev
 cmake --preset fuzz ${CI:+-DCMAKE_COMPILE_WARNING_AS_ERROR=ON} >/dev/null
-cmake --build --preset fuzz >/dev/null
+cmake --build --preset fuzz --target "fuzz_$target" >/dev/null
 out=$PWD/out/fuzz
 mkdir -p "$out/found" "$out/corpus/$target"
 # The targets work in a temporary folder: faster in memory, and the reason for full paths.
