@@ -61,8 +61,15 @@ inject 1 error=EIO read savegame.dat check game.reu savegame.dat savegame.dat sa
 asNobody=$([ "$(id -u)" -ne 0 ] || echo setpriv --reuid=65534 --regid=65534 --clear-groups)
 try 0 bash -c "chmod 444 ./* && $asNobody $program ${implants[0]} | tr '\\n' ' ' |
     grep -q '!File:<disc2.d64> not creatable. File:<disc3.d64> not creatable. $'"
+try 0 bash -c "chmod 444 ./* && $asNobody $program extractreu game.reu /dev/null &&
+    exec $asNobody $program check savegame.dat savegame.dat savegame.dat savegame.dat"
+# Pipes and devices as media, and a file that shrinks after its size has been read
 try 0 bash -c "cat disc2.d64 | $program implantd64 savegame.dat /dev/stdin disc3.d64 |
-    grep -q '!File:</dev/stdin> not creatable.$' && cmp {.,../new}/disc3.d64" # a pipe for a medium
+    grep -q '!File:</dev/stdin> not creatable.$' && cmp {.,../new}/disc3.d64"
+try 0 bash -c "cat game.reu | $program extractreu /dev/stdin a && $program extractreu game.reu b && cmp a b"
+try 0 bash -c "$program extractreu /dev/zero a | grep -q '!File:</dev/zero> not a valid'"
+try 0 bash -c "head -c 1000 disc2.d64 >a &&
+    exec strace -o /dev/null -P a -e inject=lseek:retval=196608:when=1 $program extractd64 a disc3.d64 b"
 
 # Out of memory, unless the program needs more to start (as with AddressSanitizer)
 if (ulimit -v 300000 && "$program") &>/dev/null; then

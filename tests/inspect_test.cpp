@@ -22,7 +22,7 @@ TEST_F(Check, printsEveryFieldItemAndFlagOfBothDiscs) {
     checksum(256, 357);
     writeFile("data", data + "more");
     std::filesystem::create_directory("generated");
-    writeFile("flags", ".flag FLAG_ONE\r\n.flags FLAG_THREE, 3\r\n");
+    writeFile("flags", ".flag FLAG_a .flag FLAG_Ä\r\n.flags FLAG_Z, 3\r\n");
     writeFile("ids", "COLLECTABLE_ONE = 1\r\n");
     writeFile("world", "#AsmSectionBegin\r\ninclude i\r\n#AsmSectionEnd\r\n");
     writeFile("generated/i", "WORLDFLAG_A = 7 + 2\r\nB = 1\r\n");

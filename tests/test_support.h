@@ -8,7 +8,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <iostream>
+#include <functional>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -35,8 +35,7 @@ inline std::string noise(std::size_t size, unsigned seed) {
 }
 
 /// What `call` prints.
-template <typename Call>
-std::string captured(Call call) {
+inline std::string captured(const std::function<void()>& call) {
     testing::internal::CaptureStdout();
     call();
     return testing::internal::GetCapturedStdout();

@@ -1,10 +1,11 @@
-// File access through unbuffered C streams: a whole file is read, or written back, with one call.
+// File access through unbuffered C streams, so that each call of fread and fwrite goes straight to the system.
 #include "cli/files.h"
 
 #include <sys/stat.h>
 
 #include <algorithm>
 #include <exception>
+#include <utility>
 
 #include "cli/print_out.h"
 
@@ -12,7 +13,7 @@ namespace stashkeep {
 namespace {
 
 constexpr std::size_t fileSizeLimit = 0x80000000;  // bytes; files of this size and more are refused
-constexpr std::size_t leastBufferSize = 0x10000;   // bytes, where the size of a file is unknown
+constexpr std::size_t leastBufferSize = 0x10000;   // bytes, to read what is behind the expected end
 
 bool isOfKind(const File& file, mode_t kind) {
     struct stat status {};
@@ -23,30 +24,39 @@ bool isOfKind(const File& file, mode_t kind) {
 /// one claims to succeed.
 bool seek(const File& file, int origin) { return !isOfKind(file, S_IFIFO) && fseeko(file.get(), 0, origin) == 0; }
 
-/// The size of `file` in bytes, or 0 if it is not seekable; leaves the position at the start.
-std::size_t sizeBySeeking(const File& file) {
-    if (!seek(file, SEEK_END)) return 0;
+/// The size of `file` in bytes, empty if it is not seekable; leaves the position at the start.
+std::optional<std::size_t> sizeBySeeking(const File& file) {
+    if (!seek(file, SEEK_END)) return std::nullopt;
     const off_t size = ftello(file.get());
     std::rewind(file.get());
     return size < 0 ? fileSizeLimit : static_cast<std::size_t>(size);  // negative: too large for off_t
 }
 
-/// Reads `file` to EOF. Empty if it could not be opened, on a read error, and at the size limit.
+/// Fills `bytes` from `file`, enlarges them until EOF or until there are `limit`, and cuts them to what
+/// was read. False on a read error, and if they have reached the file size limit.
 template <typename Bytes>
-std::optional<Bytes> readWhole(const File& file) {
-    if (!file) return std::nullopt;
-    const std::size_t size = sizeBySeeking(file);
-    if (size >= fileSizeLimit) return std::nullopt;
-    Bytes bytes;
-    bytes.resize(size + 1);  // one byte more, so that the first read reaches EOF
+bool readUpTo(std::size_t limit, const File& file, Bytes& bytes) {
     std::size_t count = std::fread(bytes.data(), 1, bytes.size(), file.get());
-    while (count == bytes.size() && count < fileSizeLimit) {
-        bytes.resize(std::clamp(count * 2, leastBufferSize, fileSizeLimit));
+    while (count == bytes.size() && count < limit) {
+        bytes.resize(std::clamp(count * 2, leastBufferSize, limit));
         count += std::fread(bytes.data() + count, 1, bytes.size() - count, file.get());
     }
-    if (count == fileSizeLimit || std::ferror(file.get()) != 0) return std::nullopt;
     bytes.resize(count);
+    return count < fileSizeLimit && std::ferror(file.get()) == 0;
+}
+
+/// All bytes of `file`: as many as seeking says, 0 where the read delivers less; to EOF if it is not
+/// seekable. Empty if it was not opened, on a read error, at the size limit, and if out of memory.
+std::optional<ByteVector> readMedium(const File& file) try {
+    if (!file) return std::nullopt;
+    const std::optional<std::size_t> size = sizeBySeeking(file);
+    if (size >= fileSizeLimit) return std::nullopt;
+    ByteVector bytes(size.value_or(0));
+    if (!readUpTo(size.value_or(fileSizeLimit), file, bytes)) return std::nullopt;
+    bytes.resize(size.value_or(bytes.size()));
     return bytes;
+} catch (const std::exception&) {
+    return std::nullopt;
 }
 
 }  // namespace
@@ -68,15 +78,19 @@ void writeBytes(const File& file, const void* bytes, std::size_t size) {
 }
 
 ByteVector loadFile(const char* path) {
-    try {
-        if (std::optional<ByteVector> bytes = readWhole<ByteVector>(openFile(path, "rb"))) return *std::move(bytes);
-    } catch (const std::exception&) {  // out of memory
-    }
+    if (std::optional<ByteVector> bytes = readMedium(openFile(path, "rb"))) return *std::move(bytes);
     printOut("File:<%s> not found or not readable.\n", path);
     return {};
 }
 
-std::optional<std::string> readText(const char* path) { return readWhole<std::string>(openFile(path, "r")); }
+std::optional<std::string> readText(const char* path) {
+    const File file = openFile(path, "r");
+    const std::size_t size = file ? sizeBySeeking(file).value_or(0) : fileSizeLimit;
+    if (size >= fileSizeLimit) return std::nullopt;
+    std::string text(size + 1, '\0');  // one byte more, so that the first read reaches EOF
+    if (!readUpTo(fileSizeLimit, file, text)) return std::nullopt;
+    return text;
+}
 
 void rewriteFile(const char* path, const ByteVector& bytes) {
     const File file = openFile(path, "r+b");

@@ -29,9 +29,9 @@ void readBytes(const File& file, void* bytes, std::size_t size);
 /// Writes `size` bytes; a failure is not reported.
 void writeBytes(const File& file, const void* bytes, std::size_t size);
 
-/// The whole file at `path`; a non-seekable file (a pipe) is read to EOF. If the file cannot be
-/// opened or read, is 2 GiB or longer, or does not fit into memory, prints
-/// "File:<path> not found or not readable." and returns an empty vector.
+/// The whole file at `path`: as many bytes as seeking to its end says, or all up to EOF if it is not
+/// seekable (a pipe). If the file cannot be opened or read, is 2 GiB or longer, or does not fit into
+/// memory, prints "File:<path> not found or not readable." and returns an empty vector.
 [[nodiscard]] ByteVector loadFile(const char* path);
 
 /// The whole text file at `path`, read to EOF. Empty if it cannot be opened or read, or is 2 GiB or

@@ -68,7 +68,7 @@ TokenList readTokens(const char* path, TokenList (*split)(std::string)) {
 void readGameFlags(const char* path) {
     TokenList tokens = readTokens(path, splitLine);
     std::uint32_t nextBit = 0;           // unsigned: wraps at 32 bits
-    auto entry = gameFlagTable.begin();  // the last one, as a hint: sources tend to be in order
+    auto entry = gameFlagTable.begin();  // the last one made is a hint for the next: sources tend to be in order
     std::size_t i = 0;
     while (i < tokens.size()) {
         const auto firstBit = static_cast<std::int32_t>(nextBit);
@@ -105,7 +105,7 @@ std::int32_t sumOfTerms(std::span<const std::string> statement) {
     return sum;
 }
 
-/// Every statement of an included file defines a flag.
+/// Every statement of an included file defines a flag. Moves the names out of `tokens`.
 void enterWorldFlags(TokenList& tokens) {
     auto entry = worldFlagTable.begin();
     for (auto start = tokens.begin(); start != tokens.end();) {

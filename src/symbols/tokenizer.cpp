@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <string_view>
 #include <utility>
@@ -75,13 +76,12 @@ const char* skipMarker(const char* at, const char* end, std::string_view marker)
     return at + std::min(end - at, static_cast<std::ptrdiff_t>(marker.size()) + 1);
 }
 
-/// Appends a section to asmSectionText, without its end marker; `at` is the section's first byte.
+/// Appends a section to asmSectionText; `at` is its first byte. Stops before the end marker.
 const char* takeSection(const char* at, const char* end) {
     for (;;) {
         const char* const numberSign = std::find(at, end, '#');
         asmSectionText.append(at, numberSign);
-        if (numberSign == end) return end;
-        if (startsWith(numberSign, end, asmSectionEnd)) return skipMarker(numberSign, end, asmSectionEnd);
+        if (numberSign == end || startsWith(numberSign, end, asmSectionEnd)) return numberSign;
         if (startsWith(numberSign, end, asmSectionBegin)) {
             at = skipMarker(numberSign, end, asmSectionBegin);
         } else {
@@ -96,8 +96,8 @@ const char* skipComment(const char* at, const char* end) {
     return std::find_if(at, end, [](char byte) { return classOf(byte) == ByteClass::lineEnd; });
 }
 
-/// Skips what a number sign starts: markers, whose sections are taken, and a comment, which may hold
-/// more markers.
+/// Skips what the number sign at `at` starts: markers, whose sections are taken, and a comment, which
+/// may hold more markers. Returns the first byte of plain text.
 const char* skipCommentAndSections(const char* at, const char* end) {
     bool inComment = false;
     while (at != end) {

@@ -1,6 +1,7 @@
 // Runs a fuzz target without a fuzzer, on its seeds and on inputs generated from them, the same ones in every run:
 // PROGRAM SEEDS_FOLDER COUNT. Prints the input on which the target aborts.
 #include <csignal>
+#include <iostream>
 #include <random>
 
 #include "test_support.h"

@@ -1,4 +1,5 @@
-// The check command once more, slow and obvious, to compare whole outputs with. Only the reports are the program's own.
+// A second, slow and obvious implementation of the check command, which has to print the same. It shares only the
+// report with the program.
 #pragma once
 
 #include <cmath>

@@ -1,4 +1,4 @@
-// Both tokenizers once more, byte by byte and with a flag for every state, to compare with.
+// A second, slow and obvious implementation of both tokenizers, which has to give the same tokens.
 #pragma once
 
 #include "symbols/symbol_tables.h"
