@@ -6,7 +6,9 @@
 
 using namespace stashkeep;
 
-TEST(CommandLine, everyWordReachesItsOperationWhichRefusesWrongCounts) {
+struct CommandLine : testing::Test, InFolder {};
+
+TEST_F(CommandLine, everyWordReachesItsOperationWhichRefusesWrongCounts) {
     std::map<std::string, std::string> calls{{run({}), "none"}};  // words and numbers of files, by what they print
     for (const std::string word :
          {"extractd64", "EXTRACTD64", "implantd64", "ImplantD64", "extractreu", "extractgeoram", "extractneoram",
@@ -23,7 +25,7 @@ TEST(CommandLine, everyWordReachesItsOperationWhichRefusesWrongCounts) {
     expectOutput("command_line.txt", outcomes);
 }
 
-TEST(CommandLine, foldsOnlyAsciiLettersAndMatchesWholeWords) {
+TEST_F(CommandLine, foldsOnlyAsciiLettersAndMatchesWholeWords) {
     for (const auto& [word, folded] : {std::pair("checkx", "checkx"),
                                        {"EXTRACT", "extract"},
                                        {"", ""},
@@ -38,8 +40,9 @@ struct Files : testing::Test, InFolder {};
 TEST_F(Files, areNeitherFoldersNorHuge) {
     std::filesystem::create_directory("folder");
     writeFile("huge", "");
-    std::filesystem::resize_file("huge", 0x80000000);  // sparse
-    for (const std::string path : {"folder", "huge", ""}) {
+    std::uintmax_t size = 0x80000000;
+    for (const std::string path : {"huge", "huge", "folder", ""}) {
+        std::filesystem::resize_file("huge", size++);  // sparse
         EXPECT_EQ(captured([&] { EXPECT_TRUE(loadFile(path.c_str()).empty()); }),
                   "File:<" + path + "> not found or not readable.\n");
         EXPECT_TRUE(run({"check", "no", path, "no", "no"}).starts_with("1generateSaveGame flags.asm file problem!\n"));

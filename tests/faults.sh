@@ -6,8 +6,8 @@ set -euo pipefail
 umask 022 # other users must be able to read the media
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
-cp "$1" "$work/program" # to a path without blanks
-program=$work/program
+cp "$1" "$work/program"
+program=../program # whatever blanks are in the full path
 chmod 755 "$work" && cd "$work" && mkdir old new now
 
 head -c 196608 /dev/urandom | tee old/disc2.d64 >old/disc3.d64
@@ -18,7 +18,7 @@ head -c 1024 /dev/urandom | tr '=' x >old/savegame.dat # also used as a source, 
 implants=("implantd64 savegame.dat disc2.d64 disc3.d64" "implantreu savegame.dat game.reu")
 extracts=("extractd64 disc2.d64 disc3.d64 savegame.dat" "extractreu game.reu savegame.dat")
 cp old/* new
-for command in "${implants[@]}"; do (cd new && "$program" $command >/dev/null); done
+for command in "${implants[@]}"; do (cd new && $program $command >/dev/null); done
 
 failed=0
 fail() { echo "FAILED: $*" && failed=1; }
@@ -40,10 +40,10 @@ try() {
 inject() {
     local expected=$1 fault=$2 call=$3 files="-P ${4// / -P }" calls n
     shift 4
-    calls=$(cp old/* now && cd now && strace -o /dev/stdout -e "trace=$call" $files "$program" "$@" 2>&1 | grep -c "^$call(")
+    calls=$(cp old/* now && cd now && strace -o /dev/stdout -e "trace=$call" $files $program "$@" 2>&1 | grep -c "^$call(")
     echo "$fault in each of $calls calls of $call: $*"
     for ((n = 1; n <= calls; n++)); do
-        try "$expected" strace -e "inject=$call:$fault:when=$n" $files "$program" "$@"
+        try "$expected" strace -e "inject=$call:$fault:when=$n" $files $program "$@"
     done
 }
 
@@ -55,8 +55,9 @@ for command in "${implants[@]}" "${extracts[@]}"; do
 done
 for command in "${implants[@]}"; do
     inject 0 error=EIO read savegame.dat $command
-    try 0 bash -c "trap '' XFSZ && ulimit -f 100 && exec $program $command" # a write stops half-way
+    try 0 bash -c "trap '' XFSZ && ulimit -f 100 && $program $command | grep -q '!$'" # a write stops half-way
 done
+inject 0 error=EIO read game.reu check game.reu
 inject 1 error=EIO read savegame.dat check game.reu savegame.dat savegame.dat savegame.dat
 asNobody=$([ "$(id -u)" -ne 0 ] || echo setpriv --reuid=65534 --regid=65534 --clear-groups)
 try 0 bash -c "chmod 444 ./* && $asNobody $program ${implants[0]} | tr '\\n' ' ' |
@@ -72,7 +73,7 @@ try 0 bash -c "head -c 1000 disc2.d64 >a &&
     exec strace -o /dev/null -P a -e inject=lseek:retval=196608:when=1 $program extractd64 a disc3.d64 b"
 
 # Out of memory, unless the program needs more to start (as with AddressSanitizer)
-if (ulimit -v 300000 && "$program") &>/dev/null; then
+if (cd now && ulimit -v 300000 && $program) &>/dev/null; then
     head -c 25000000 /dev/zero | tr '\0' '#' >old/comments # of which 300,000 KiB is 12 times the size
     try 0 bash -c "ulimit -v 300000 && exec $program check savegame.dat comments comments comments"
     try 1 bash -c "ulimit -v 300000 && exec $program check savegame.dat /dev/zero no no"

@@ -13,6 +13,7 @@ TEST_F(Check, printsEveryFieldItemAndFlagOfBothDiscs) {
     for (char slot = 0; slot < 24; ++slot) data[static_cast<std::size_t>(296 + slot)] = slot;
     for (char slot = 0; slot < 20; ++slot) data[static_cast<std::size_t>(256 + slot)] = static_cast<char>(24 + slot);
     data.replace(512 + 256, 3, "\x2C\x2D\xFF");                  // item ids at the end of the table and beyond
+    data.replace(512 + 477, 1, "\xC8");                          // the high byte of a large savegameid
     data.replace(276, 2, std::string("\x00\xFF", 2));            // the least and the most items
     data.replace(349, 1, "\x17").replace(512 + 349, 1, "\x18");  // inventoryCount: one slot not in use, and none
     const auto checksum = [&](std::size_t first, std::size_t last) {

@@ -62,6 +62,7 @@ inline void expectOutput(const std::string& name, const std::string& actual) {
 /// Creates an empty scratch folder and makes it the current one.
 struct InFolder {
     InFolder() {
+        std::filesystem::remove_all(folder);  // an aborted process of this number may have left one
         std::filesystem::create_directory(folder);
         std::filesystem::current_path(folder);
     }

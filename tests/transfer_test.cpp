@@ -12,16 +12,20 @@ TEST_F(D64, imagesOfTheRightSizeExchangeTwoSectorsEach) {
     writeFile("Disc2", disc2);
     writeFile("ディスク 3", disc3);
     writeFile("35 tracks", noise(174848, 4));
-    writeFile("errors", noise(0x30300, 5));
-    writeFile("data", "older");
+    writeFile("data", noise(1025, 6));
     const std::string complaint = "> not a valid Zarnis 40 tracks d64.\n";
     EXPECT_EQ(run({"extractd64", "35 tracks", "no", "data"}),
               "1File:<no> not found or not readable.\nFile:<35 tracks" + complaint);
-    EXPECT_EQ(run({"extractd64", "Disc2", "errors", "data"}), "1File:<errors" + complaint);
-    EXPECT_EQ(run({"implantd64", "data", "Disc2", "errors"}), "1File:<errors" + complaint);
+    for (const std::size_t size : {0x2FFFFU, 0x30001U, 0x30300U, 0x60000U}) {  // the third one has error bytes
+        writeFile("other", noise(size, 5));
+        EXPECT_EQ(run({"extractd64", "Disc2", "other", "data"}), "1File:<other" + complaint);
+        EXPECT_EQ(run({"implantd64", "data", "Disc2", "other"}), "1File:<other" + complaint);
+    }
+    writeFile("image", std::string(0x110B, '\0'));  // too short by one byte
+    EXPECT_EQ(run({"extractreu", "image", "data"}), "1File:<image> not a valid Zarnis memory image.\n");
     EXPECT_EQ(run({"implantd64", ".", "Disc2", "ディスク 3"}), "1File:<.> couldn't be opened.\n");
     EXPECT_EQ(run({"extractd64", "Disc2", "ディスク 3", "."}), "1File:<.> couldn't be created.\n");
-    EXPECT_EQ(readFile("data"), "older");
+    EXPECT_TRUE(readFile("data") == noise(1025, 6));
     EXPECT_EQ(run({"extractd64", "Disc2", "ディスク 3", "data"}), "0");
     EXPECT_TRUE(readFile("data") ==
                 disc2.substr(0, 256) + disc2.substr(0x400, 256) + disc3.substr(0, 256) + disc3.substr(0x400, 256));

@@ -6,13 +6,10 @@
 
 using namespace stashkeep;
 
-namespace {
-
-constexpr std::size_t pointerOffsets[] = {0x900, 0x908, 0x1100, 0x1108};
+static constexpr std::size_t pointerOffsets[] = {0x900, 0x908, 0x1100, 0x1108};
 
 /// Calls `copy` with the offset of each page of `image`; false if the image is refused on the way.
-template <typename Copy>
-bool forEachPage(const std::string& image, Copy copy) {
+static bool forEachPage(const std::string& image, const std::function<void(std::size_t)>& copy) {
     for (const std::size_t pointerOffset : pointerOffsets) {
         if (image.size() < 0x110C) return false;
         std::uint32_t page = 0;
@@ -22,8 +19,6 @@ bool forEachPage(const std::string& image, Copy copy) {
     }
     return true;
 }
-
-}  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t size) {
     static const InFolder folder;

@@ -22,8 +22,9 @@ int main(int /*argumentCount*/, char* arguments[]) {
         input = seeds[i % seeds.size()];
         for (std::size_t edits = i < seeds.size() ? 0 : 1 + random() % 8; edits > 0; --edits) {
             const std::string& other = seeds[random() % seeds.size()];
-            const std::string piece = other.substr(random() % other.size(), random() % 32);
-            input.replace(random() % (input.size() + 1), random() % 16, piece);
+            const std::size_t from = random() % other.size();
+            const std::size_t to = random() % (input.size() + 1);
+            input.replace(to, random() % 16, other.substr(from, 32));
             input += static_cast<char>(random() % 26);  // among them all separators; 26 ends a text on Windows
         }
         LLVMFuzzerTestOneInput(reinterpret_cast<const unsigned char*>(input.data()), input.size());

@@ -26,7 +26,7 @@ inline void addSlowly(double& sum, const std::string& term) try {
 }
 
 /// The dump of flags that are numbered from bit `start` of the flag area.
-inline std::string dumpSlowly(const DiscSavegame& savegame, const FlagTable& flags, int start) {
+inline std::string dumpSlowly(const DiscSavegame& savegame, const std::map<std::string, Flag>& flags, int start) {
     std::string text;
     for (const auto& [name, flag] : flags) {
         std::uint32_t value = 0;
@@ -44,8 +44,8 @@ inline std::string dumpSlowly(const DiscSavegame& savegame, const FlagTable& fla
 inline std::string checkSlowly() {
     std::string printed;
     std::string complaint = "generateSaveGame flags.asm file problem!\n";
-    FlagTable gameFlags;
-    FlagTable worldFlags;
+    std::map<std::string, Flag> gameFlags;
+    std::map<std::string, Flag> worldFlags;
     CollectableTable ids;
     try {
         TokenList tokens = tokensSlowly("flags");
