@@ -15,6 +15,7 @@ head -c 196608 /dev/urandom | tee old/disc2.d64 >old/disc3.d64
     head -c 2304 && printf '\0\0\1\0    \0\0\2\0' && head -c 2036 && printf '\0\0\3\0    \0\0\4\0' && head -c 1044212
 } </dev/urandom >old/game.reu
 head -c 1024 /dev/urandom | tr '=' x >old/savegame.dat # also used as a source, hence without definitions
+printf '#AsmSectionBegin%s' "$(printf ' include f%.0s' {1..40})" >old/sections && : >'old/generated\f'
 implants=("implantd64 savegame.dat disc2.d64 disc3.d64" "implantreu savegame.dat game.reu")
 extracts=("extractd64 disc2.d64 disc3.d64 savegame.dat" "extractreu game.reu savegame.dat")
 cp old/* new
@@ -62,8 +63,8 @@ inject 1 error=EIO read savegame.dat check game.reu savegame.dat savegame.dat sa
 asNobody=$([ "$(id -u)" -ne 0 ] || echo setpriv --reuid=65534 --regid=65534 --clear-groups)
 try 0 bash -c "chmod 444 ./* && $asNobody $program ${implants[0]} | tr '\\n' ' ' |
     grep -q '!File:<disc2.d64> not creatable. File:<disc3.d64> not creatable. $'"
-try 0 bash -c "chmod 444 ./* && $asNobody $program extractreu game.reu /dev/null &&
-    exec $asNobody $program check savegame.dat savegame.dat savegame.dat savegame.dat"
+try 0 bash -c "chmod 444 ./* && $asNobody $program ${implants[1]} && $asNobody $program extractreu game.reu /dev/null &&
+    ulimit -n 20 && exec $asNobody $program check savegame.dat savegame.dat savegame.dat sections" # closes its files
 # Pipes and devices as media, and a file that shrinks after its size has been read
 try 0 bash -c "cat disc2.d64 | $program implantd64 savegame.dat /dev/stdin disc3.d64 |
     grep -q '!File:</dev/stdin> not creatable.$' && cmp {.,../new}/disc3.d64"

@@ -12,15 +12,18 @@ TEST_F(Check, printsEveryFieldItemAndFlagOfBothDiscs) {
     std::string data = noise(1024, 5);  // a value of its own for every field
     for (char slot = 0; slot < 24; ++slot) data[static_cast<std::size_t>(296 + slot)] = slot;
     for (char slot = 0; slot < 20; ++slot) data[static_cast<std::size_t>(256 + slot)] = static_cast<char>(24 + slot);
-    data.replace(512 + 256, 3, "\x2C\x2D\xFF");                  // item ids at the end of the table and beyond
-    data.replace(512 + 477, 1, "\xC8");                          // the high byte of a large savegameid
-    data.replace(276, 2, std::string("\x00\xFF", 2));            // the least and the most items
-    data.replace(349, 1, "\x17").replace(512 + 349, 1, "\x18");  // inventoryCount: one slot not in use, and none
+    data.replace(512 + 256, 3, "\x2C\x2D\xFF");        // item ids at the end of the table and beyond
+    data.replace(276, 2, std::string("\x00\xFF", 2));  // the least and the most items
+    data.replace(476, 2, std::string("\x07\x00", 2)).replace(512 + 476, 2, "\x01\xC8");  // savegameid
+    data.replace(512 + 346, 12, "\1\2\3\xC8\4\5\6\7\x8\x9\xA\xB");  // small fields, and a large inventoryCount
+    data[349] = 23;                                                 // inventoryCount: one slot not in use
     const auto checksum = [&](std::size_t first, std::size_t last) {
         data[last] = std::accumulate(&data[first], &data[last], '\0', std::bit_xor<>());
     };
     checksum(0, 221);
     checksum(256, 357);
+    checksum(512, 512 + 220);  // so that the checksum of disc 3, page 0 is 0
+    data[512 + 221] = 0;
     writeFile("data", data + "more");
     std::filesystem::create_directory("generated");
     writeFile("flags", ".flag FLAG_a .flag FLAG_Ä\r\n.flags FLAG_Z, 3\r\n");

@@ -23,6 +23,8 @@ TEST_F(D64, imagesOfTheRightSizeExchangeTwoSectorsEach) {
     }
     writeFile("image", std::string(0x110B, '\0'));  // too short by one byte
     EXPECT_EQ(run({"extractreu", "image", "data"}), "1File:<image> not a valid Zarnis memory image.\n");
+    writeFile("image", std::string(0x110C, '\0'));
+    EXPECT_EQ(run({"extractreu", "image", "."}), "1File:<.> couldn't be created.\n");
     EXPECT_EQ(run({"implantd64", ".", "Disc2", "ディスク 3"}), "1File:<.> couldn't be opened.\n");
     EXPECT_EQ(run({"extractd64", "Disc2", "ディスク 3", "."}), "1File:<.> couldn't be created.\n");
     EXPECT_TRUE(readFile("data") == noise(1025, 6));
