@@ -35,9 +35,7 @@ TEST_F(CommandLine, foldsOnlyAsciiLettersAndMatchesWholeWords) {
     }
 }
 
-struct Files : testing::Test, InFolder {};
-
-TEST_F(Files, areNeitherFoldersNorHuge) {
+TEST_F(CommandLine, refusesFoldersAndHugeFiles) {
     std::filesystem::create_directory("folder");
     writeFile("huge", "");
     std::uintmax_t size = 0x80000000;

@@ -11,15 +11,13 @@ TEST_F(D64, imagesOfTheRightSizeExchangeTwoSectorsEach) {
     const auto expectDiscs = [&] { EXPECT_TRUE(readFile("Disc2") == disc2 && readFile("ディスク 3") == disc3); };
     writeFile("Disc2", disc2);
     writeFile("ディスク 3", disc3);
-    writeFile("35 tracks", noise(174848, 4));
     writeFile("data", noise(1025, 6));
-    const std::string complaint = "> not a valid Zarnis 40 tracks d64.\n";
-    EXPECT_EQ(run({"extractd64", "35 tracks", "no", "data"}),
-              "1File:<no> not found or not readable.\nFile:<35 tracks" + complaint);
-    for (const std::size_t size : {0x2FFFFU, 0x30001U, 0x30300U, 0x60000U}) {  // the third one has error bytes
+    const std::string refusal = "> not a valid Zarnis 40 tracks d64.\n";
+    EXPECT_EQ(run({"extractd64", "data", "no", "."}), "1File:<no> not found or not readable.\nFile:<data" + refusal);
+    for (const std::size_t size : {174848U, 0x2FFFFU, 0x30001U, 0x30300U}) {  // 35 tracks, ..., with error bytes
         writeFile("other", noise(size, 5));
-        EXPECT_EQ(run({"extractd64", "Disc2", "other", "data"}), "1File:<other" + complaint);
-        EXPECT_EQ(run({"implantd64", "data", "Disc2", "other"}), "1File:<other" + complaint);
+        EXPECT_EQ(run({"extractd64", "Disc2", "other", "data"}), "1File:<other" + refusal);
+        EXPECT_EQ(run({"implantd64", "data", "Disc2", "other"}), "1File:<other" + refusal);
     }
     writeFile("image", std::string(0x110B, '\0'));  // too short by one byte
     EXPECT_EQ(run({"extractreu", "image", "data"}), "1File:<image> not a valid Zarnis memory image.\n");

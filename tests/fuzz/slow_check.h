@@ -1,5 +1,4 @@
-// A second, slow and obvious implementation of the check command, which has to print the same. It shares only the
-// report with the program.
+// A second, slow and obvious implementation of check, which has to print the same. Only the report is the program's.
 #pragma once
 
 #include <cmath>
@@ -93,8 +92,8 @@ inline std::string checkSlowly() {
     for (const DiscSavegame& disc : discs) {
         printed += &disc == discs ? ">>>DISC2 SAVEGAME CONTENTS:\n" : "\n>>>DISC3 SAVEGAME CONTENTS:\n";
         printed += captured([&] { printSavegame(disc); });
-        printed += ">>gameflags:\n" + dumpSlowly(disc, gameFlags, 256);
-        printed += ">>worldflags:\n" + dumpSlowly(disc, worldFlags, 0);
+        printed +=
+            ">>gameflags:\n" + dumpSlowly(disc, gameFlags, 256) + ">>worldflags:\n" + dumpSlowly(disc, worldFlags, 0);
     }
     return "0" + printed;
 }
