@@ -25,7 +25,7 @@ int main(int /*argumentCount*/, char* arguments[]) {
             const std::size_t from = random() % other.size();
             const std::size_t to = random() % (input.size() + 1);
             input.replace(to, random() % 16, other.substr(from, 32));
-            input += static_cast<char>(random() % 26);  // among them all separators; 26 ends a text on Windows
+            input += static_cast<char>(random() % 26);  // 0 to 25: a byte 26 ends a text on Windows
         }
         LLVMFuzzerTestOneInput(reinterpret_cast<const unsigned char*>(input.data()), input.size());
     }
