@@ -13,7 +13,7 @@ namespace stashkeep {
 namespace {
 
 constexpr std::size_t fileSizeLimit = 0x80000000;  // bytes; files of this size and more are refused
-constexpr std::size_t leastBufferSize = 0x10000;   // bytes, to read what is behind the expected end
+constexpr std::size_t leastBufferSize = 0x10000;   // bytes; a buffer that is too small grows to at least this
 
 bool isOfKind(const File& file, mode_t kind) {
     struct stat status {};
@@ -24,12 +24,15 @@ bool isOfKind(const File& file, mode_t kind) {
 /// one claims to succeed.
 bool seek(const File& file, int origin) { return !isOfKind(file, S_IFIFO) && fseeko(file.get(), 0, origin) == 0; }
 
-/// The size of `file` in bytes, empty if it is not seekable; leaves the position at the start.
+/// The size of `file` in bytes, or fileSizeLimit if it has more or its size cannot be told; empty if
+/// it is not seekable. Leaves the position at the start.
 std::optional<std::size_t> sizeBySeeking(const File& file) {
     if (!seek(file, SEEK_END)) return std::nullopt;
     const off_t size = ftello(file.get());
     std::rewind(file.get());
-    return size < 0 ? fileSizeLimit : static_cast<std::size_t>(size);  // negative: too large for off_t
+    // Compared as off_t, which has 64 bits on 32-bit systems too.
+    if (size < 0 || size > off_t{fileSizeLimit}) return fileSizeLimit;
+    return static_cast<std::size_t>(size);
 }
 
 /// Fills `bytes` from `file`, enlarges them until EOF or until there are `limit`, and cuts them to what
@@ -38,15 +41,16 @@ template <typename Bytes>
 bool readUpTo(std::size_t limit, const File& file, Bytes& bytes) {
     std::size_t count = std::fread(bytes.data(), 1, bytes.size(), file.get());
     while (count == bytes.size() && count < limit) {
-        bytes.resize(std::clamp(count * 2, leastBufferSize, limit));
+        bytes.resize(std::min(std::max(count * 2, leastBufferSize), limit));
         count += std::fread(bytes.data() + count, 1, bytes.size() - count, file.get());
     }
     bytes.resize(count);
     return count < fileSizeLimit && std::ferror(file.get()) == 0;
 }
 
-/// All bytes of `file`: as many as seeking says, 0 where the read delivers less; to EOF if it is not
-/// seekable. Empty if it was not opened, on a read error, at the size limit, and if out of memory.
+/// All bytes of `file`. If it is seekable, as many as its size; should it have become shorter since,
+/// the missing bytes are 0. Otherwise all up to EOF. Empty if it was not opened, on a read error, at
+/// the size limit, and if out of memory.
 std::optional<ByteVector> readMedium(const File& file) try {
     if (!file) return std::nullopt;
     const std::optional<std::size_t> size = sizeBySeeking(file);
