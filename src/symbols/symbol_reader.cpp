@@ -11,7 +11,6 @@
 #include <cstdlib>
 #include <exception>
 #include <iterator>
-#include <limits>
 #include <optional>
 #include <span>
 #include <stdexcept>
@@ -29,17 +28,6 @@ namespace stashkeep {
 namespace {
 
 using namespace std::string_view_literals;
-using Int32Limits = std::numeric_limits<std::int32_t>;
-
-/// Converts as strtol does; throws if the token does not start with a number or it exceeds 32 bits.
-std::int32_t toInteger(const std::string& token) {
-    char* end = nullptr;
-    errno = 0;
-    const long value = std::strtol(token.c_str(), &end, 10);
-    const bool fits = errno != ERANGE && value >= Int32Limits::min() && value <= Int32Limits::max();
-    if (end == token.c_str() || !fits) throw std::runtime_error("not a number");
-    return static_cast<std::int32_t>(value);
-}
 
 /// Converts as strtod does; empty if the token does not start with a number or it is out of range.
 std::optional<double> toDouble(const std::string& token) {
@@ -53,15 +41,15 @@ std::optional<double> toDouble(const std::string& token) {
 /// Truncates toward zero; a value out of range, or not a number, gives the lowest 32-bit value.
 std::int32_t truncatedToInt32(double value) {
     const double whole = std::trunc(value);
-    const bool fits = whole >= Int32Limits::min() && whole <= Int32Limits::max();
-    return fits ? static_cast<std::int32_t>(whole) : Int32Limits::min();
+    const bool fits = whole >= INT32_MIN && whole <= INT32_MAX;
+    return fits ? static_cast<std::int32_t>(whole) : INT32_MIN;
 }
 
 /// The tokens of a whole file; throws if it cannot be read.
-TokenList readTokens(const char* path, TokenList (*split)(std::string)) {
-    std::optional<std::string> text = readText(path);
+TokenList readTokens(const char* path, TokenList (*split)(std::string_view)) {
+    const std::optional<std::string> text = readText(path);
     if (!text) throw std::runtime_error("file not readable");
-    return split(*std::move(text));
+    return split(*text);
 }
 
 /// Assigns bits in the order of the directives.
@@ -77,7 +65,7 @@ void readGameFlags(const char* path) {
             nextBit += 1;
             i += 2;
         } else if (tokens[i] == ".flags"sv) {
-            const std::int32_t bitCount = toInteger(tokens.at(i + 3));
+            const std::int32_t bitCount = std::stoi(tokens.at(i + 3));
             entry = gameFlagTable.insert_or_assign(entry, std::move(tokens[i + 1]), Flag{firstBit, bitCount});
             nextBit += static_cast<std::uint32_t>(bitCount);
             i += 4;
@@ -136,7 +124,7 @@ void readCollectableIds(const char* path) {
     auto entry = collectableTable.begin();
     for (std::size_t i = 0; i < tokens.size(); ++i) {
         if (tokens[i] != "="sv) continue;
-        const std::int32_t id = toInteger(tokens.at(i + 1));
+        const std::int32_t id = std::stoi(tokens.at(i + 1));
         std::string name = i == 0 ? std::string() : std::move(tokens[i - 1]);
         entry = collectableTable.insert_or_assign(entry, std::move(name), id);
     }
@@ -153,7 +141,7 @@ bool succeeds(void (*read)(const char* path), const char* path) {
 
 }  // namespace
 
-int generateSaveGame(const char* flagsFileName, const char* asmWorldFlags, const char* collectableIds) {
+int generateSaveGame(const char* flagsFileName, const char* asmWorldFlags, const char* collectableIds) noexcept {
     if (!succeeds(readGameFlags, flagsFileName)) {
         printOut("generateSaveGame flags.asm file problem!\n");
         return 1;

@@ -9,7 +9,7 @@ namespace stashkeep {
 /// the sections followed by an underscore, without a line break. Returns 0, or 1 at the first file
 /// that fails; later files are not opened, and entries made so far stay. A message is printed if the
 /// flags file or the collectable-id file fails, but not for `asmWorldFlags` and what it includes.
-/// Throws nothing.
-[[nodiscard]] int generateSaveGame(const char* flagsFileName, const char* asmWorldFlags, const char* collectableIds);
+[[nodiscard]] int generateSaveGame(const char* flagsFileName, const char* asmWorldFlags,
+                                   const char* collectableIds) noexcept;
 
 }  // namespace stashkeep

@@ -1,4 +1,4 @@
-// In one file, so that they are constructed in this order and destroyed in the reverse order.
+// The global objects, in one file so that they are constructed in this order and destroyed in the reverse order.
 #include "symbols/symbol_tables.h"
 
 namespace stashkeep {

@@ -1,4 +1,4 @@
-// What a run reads from the game's sources. These six objects are the program's only global state.
+// The markers of assembler sections, and what a run reads from the game's sources. There are no other global objects.
 #pragma once
 
 #include <cstdint>

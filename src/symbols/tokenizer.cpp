@@ -14,8 +14,6 @@
 namespace stashkeep {
 namespace {
 
-using namespace std::string_view_literals;
-
 enum class ByteClass : std::uint8_t { ordinary, blank, lineEnd, comma, semicolon, quote, numberSign };
 
 constexpr std::array<ByteClass, 256> byteClasses = [] {
@@ -62,8 +60,12 @@ const char* takeQuoted(const char* at, const char* end, Tokens& tokens) {
         at = special + 1;
         if (*special == '"') return at;
         const bool isEscape = at != end && (*at == 'n' || *at == '\\' || *at == '"' || *at == '\t');
-        append(tokens, isEscape && *at == 'n' ? "\n"sv : std::string_view(isEscape ? at : special, 1));
-        if (isEscape) ++at;
+        if (!isEscape) {
+            append(tokens, "\\");
+            continue;
+        }
+        append(tokens, *at == 'n' ? "\n" : std::string_view(at, 1));
+        ++at;
     }
 }
 
@@ -155,13 +157,8 @@ TokenList scan(std::string_view text, const char* (*skipNumberSign)(const char* 
 
 }  // namespace
 
-// Each owns its text, which is released before the caller uses the tokens.
-// NOLINTBEGIN(performance-unnecessary-value-param)
-// cppcheck-suppress passedByValue
-TokenList splitLine(std::string text) { return scan(text, skipComment); }
+TokenList splitLine(std::string_view text) { return scan(text, skipComment); }
 
-// cppcheck-suppress passedByValue
-TokenList splitAsmLine(std::string text) { return scan(text, skipCommentAndSections); }
-// NOLINTEND(performance-unnecessary-value-param)
+TokenList splitAsmLine(std::string_view text) { return scan(text, skipCommentAndSections); }
 
 }  // namespace stashkeep

@@ -18,12 +18,12 @@ using TokenList = std::vector<std::string>;
 inline constexpr std::string_view statementEnd = ";";
 
 /// The tokens of a whole text. Throws std::bad_alloc when memory runs out.
-[[nodiscard]] TokenList splitLine(std::string text);
+[[nodiscard]] TokenList splitLine(std::string_view text);
 
 /// The same, except that sections are not tokenized: the text between "#AsmSectionBegin" and
 /// "#AsmSectionEnd", or the end of the text, is appended unchanged to asmSectionText, which the caller
 /// empties. A marker counts everywhere but in quotes, even in a comment or a section, and consumes the
 /// one byte after it.
-[[nodiscard]] TokenList splitAsmLine(std::string text);
+[[nodiscard]] TokenList splitAsmLine(std::string_view text);
 
 }  // namespace stashkeep
