@@ -1,4 +1,4 @@
-// Reads everything that can fail first, and then prints.
+// Reads all files before it prints the first savegame. Tokens of the sources are printed while they are read.
 #include "inspect/check_command.h"
 
 #include "cli/files.h"
@@ -37,7 +37,7 @@ int checkCommand(int argumentCount, const char* const* arguments) {
         }
     }
     const char* const dataPath = arguments[2];
-    File dataFile = openFile(dataPath, "rb");
+    const File dataFile = openFile(dataPath, "rb");
     if (!dataFile) {
         printOut("%sfile not readable: <%s>\n", usageLine, dataPath);
         return 1;
@@ -46,7 +46,6 @@ int checkCommand(int argumentCount, const char* const* arguments) {
     DiscSavegame disc3{};
     readBytes(dataFile, &disc2, sizeof disc2);
     readBytes(dataFile, &disc3, sizeof disc3);
-    dataFile.reset();
 
     printOut(">>>DISC2 SAVEGAME CONTENTS:\n");
     printSavegame(disc2);

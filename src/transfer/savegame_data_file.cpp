@@ -1,4 +1,4 @@
-// Writing the data file. Readers read its pages straight into the images.
+// Only writing is shared: each command that reads a data file reads the pages straight to where it needs them.
 #include "transfer/savegame_data_file.h"
 
 #include "cli/files.h"
