@@ -2,10 +2,11 @@
 #include <benchmark/benchmark.h>
 
 #include "cli/files.h"
-#include "fuzz/slow_tokenizer.h"
 #include "inspect/disc_savegame.h"
 #include "inspect/flag_dump.h"
 #include "symbols/symbol_reader.h"
+#include "symbols/symbol_tables.h"
+#include "symbols/tokenizer.h"
 #include "test_support.h"
 
 namespace stashkeep {
@@ -43,11 +44,6 @@ void tokenize(benchmark::State& state) {
     setBytes(state, text.size());
 }
 
-TokenList splitLineSlowly(const std::string& text) { return splitSlowly(text, nullptr); }
-TokenList splitAsmLineSlowly(const std::string& text) { return splitSlowly(text, &asmSectionText); }
-
-BENCHMARK(tokenize<splitLineSlowly>)->Name("splitLine byte by byte")->Apply(bothSizes);
-BENCHMARK(tokenize<splitAsmLineSlowly>)->Name("splitAsmLine byte by byte")->Apply(bothSizes);
 BENCHMARK(tokenize<splitLine>)->Name("splitLine")->Apply(bothSizes);
 BENCHMARK(tokenize<splitAsmLine>)->Name("splitAsmLine")->Apply(bothSizes);
 

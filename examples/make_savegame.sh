@@ -30,7 +30,7 @@ checksum() {
     put $(($2 + 1)) $sum
 }
 
-# The hero, the same on both discs. A count byte holds the number of items minus one.
+# The hero, much the same on both discs. A count byte holds the number of items minus one.
 hero() {
     #   slot    0  1  2  3  4  5  6  7
     put 296     2  3 23  1  4 11 15 18 # inventoryItemIds: sword, bow, arrows, potion, fruit, map, lamp, glass
@@ -69,12 +69,15 @@ worldFlag 9                            # WORLDFLAG_FOREST_CHEST_1_TAKEN
 checksum 0 220
 checksum 256 356
 
-# Disc 3: the mansion and the mountains
+# Disc 3: the mansion and the mountains, late in the game, with all items that disc 2 does not have
 start=512
 hero
-put 256    6 42                        # chestItemIds: mansion key, blue key
-put 276    0  0                        # chestItemCounts
-put 352   17                           # savepointId
+#   slot     0  1  2  3  4  5  6  7  8  9 10 11 12 13 14 15 16 17 18 19 20 21 22 23
+put 256     28 29 30 31 32 33 34 35 36 38 39 40 41 42 43 44 45 255 # chestItemIds: the rest, and two unknown ones
+put 276      0  0  0  0 11  0  0 19  4 99  0  2  0  0  0  0  0 255 # chestItemCounts
+put 296      2  3 23  1  4 11 16 19  5  6  7  8  9 10 13 14 17 20 21 22 24 25 26 27 # inventoryItemIds
+put 349     23                         # inventoryCount
+put 352     17                         # savepointId
 gameFlag 0                             # FLAG_INTRO_SEEN
 gameFlag 16                            # FLAG_BOAT_FOUND
 gameFlag 21 3                          # FLAG_MANSION_FLOOR

@@ -9,61 +9,118 @@
 #include <filesystem>
 #include <fstream>
 #include <functional>
+#include <iterator>
 #include <sstream>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "cli/command_line.h"
 
 namespace stashkeep {
 
-inline std::string readFile(const std::string& path, std::ios::openmode mode = std::ios::binary) {
-    std::ostringstream bytes;
-    bytes << std::ifstream(path, mode).rdbuf();
-    return bytes.str();
-}
+using namespace std::string_literals;  // for texts that contain NUL
+
+/// A page that is filled with one byte.
+inline std::string page(char byte) { return std::string(256, byte); }
 
 inline void writeFile(const std::string& path, const std::string& bytes) {
     std::ofstream(path, std::ios::binary) << bytes;
 }
 
-/// `size` bytes without an obvious pattern, different for each `seed`.
-inline std::string noise(std::size_t size, unsigned seed) {
-    std::string bytes(size, '\0');
-    for (unsigned i = 0; i < size; ++i) bytes[i] = static_cast<char>((i + seed) * (i + 77) * 2654435761U >> 24);
-    return bytes;
+inline std::string readFile(const std::string& path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator(file), {}};
 }
 
-/// What `call` prints.
+/// Where and how the file at `path` first differs from `expected`; empty if it does not.
+inline std::string difference(const std::string& path, const std::string& expected) {
+    const std::string actual = readFile(path);
+    const auto [end, other] = std::mismatch(actual.begin(), actual.end(), expected.begin(), expected.end());
+    const auto at = static_cast<std::size_t>(end - actual.begin());
+    const auto shown = [at](const std::string& bytes) { return testing::PrintToString(bytes.substr(at, 16)); };
+    if (actual == expected) return "";
+    return path + " has " + shown(actual) + " at byte " + std::to_string(at) + ", expected is " + shown(expected);
+}
+
+/// What `call` prints. `call` must not assert: the message would be captured as well.
 inline std::string captured(const std::function<void()>& call) {
     testing::internal::CaptureStdout();
     call();
     return testing::internal::GetCapturedStdout();
 }
 
-/// Runs "stashkeep ARGUMENTS...". Returns the exit status as a digit, and what is printed after the warning.
+/// Runs "stashkeep ARGUMENTS...". Returns what it prints after the warning, and then "exit status N".
 inline std::string run(const std::vector<std::string>& arguments) {
     const std::string warning = "Be aware that this tool can have conflicting effects on different Zarnis builds!";
     std::vector<const char*> entries{"stashkeep"};
     for (const std::string& argument : arguments) entries.push_back(argument.c_str());
     int status = 0;
-    const std::string printed =
-        captured([&] { status = runCommandLine(static_cast<int>(entries.size()), entries.data()); });
-    return std::to_string(status) + (printed.starts_with(warning) ? printed.substr(warning.size()) : "?" + printed);
+    std::string printed = captured([&] { status = runCommandLine(static_cast<int>(entries.size()), entries.data()); });
+    printed = printed.starts_with(warning) ? printed.substr(warning.size()) : "(no warning)\n" + printed;
+    return printed + "exit status " + std::to_string(status);
 }
 
-/// Compares with a file of tests/expected/, or writes it anew if UPDATE_EXPECTED is set.
-inline void expectOutput(const std::string& name, const std::string& actual) {
-    const std::string path = TESTS_FOLDER "/expected/" + name;
-    if (std::getenv("UPDATE_EXPECTED") != nullptr) writeFile(path, actual);
-    EXPECT_EQ(actual, readFile(path));
+inline std::vector<std::string> linesOf(const std::string& text) {
+    std::vector<std::string> lines;
+    std::istringstream stream(text);
+    for (std::string line; std::getline(stream, line);) lines.push_back(line);
+    return lines;
+}
+
+/// The text with these symbols replaced by the bytes that they stand for.
+inline std::string withoutSymbols(std::string text) {
+    for (const auto& [symbol, byte] : {std::pair("⏎"s, '\n'), {"␍"s, '\r'}, {"⇥"s, '\t'}, {"␀"s, '\0'}}) {
+        for (std::size_t i; (i = text.find(symbol)) != std::string::npos;) text.replace(i, symbol.size(), 1, byte);
+    }
+    return text;
+}
+
+/// Compares a console session in tests/ with what its commands print now. "$ stashkeep ARGUMENT..." and "$ write NAME
+/// TEXT", which makes a file, are the commands. Lines that begin with "#" are comments.
+inline void expectSession(const std::string& file) {
+    const std::string path = PROJECT_FOLDER "/tests/" + file;
+    const std::vector<std::string> expected = linesOf(readFile(path));
+    std::string session;
+    for (const std::string& line : expected) {
+        std::istringstream words(line);
+        std::string prompt, command, name;
+        words >> prompt >> command;
+        if (prompt == "#" || prompt == "$") session += line + "\n";
+        if (prompt != "$") continue;
+        if (command == "write") {
+            words >> name;
+            writeFile(name, withoutSymbols(line.substr(9 + name.size())));
+        } else {
+            session += run({std::istream_iterator<std::string>(words), {}}) + "\n";
+        }
+    }
+    if (std::getenv("UPDATE_EXPECTED") != nullptr) writeFile(path, session);
+    const std::vector<std::string> actual = linesOf(session);
+    for (std::size_t i = 0; i == 0 || i < std::max(actual.size(), expected.size()); ++i) {
+        ASSERT_EQ(i < actual.size() ? actual[i] : "(no more)", i < expected.size() ? expected[i] : "(no more lines)")
+            << "in line " << i + 1 << " of " << path << "\nTo write it anew: UPDATE_EXPECTED=1 ctest --preset dev";
+    }
+}
+
+/// The two cells of each row of the table in docs/formats.md with this header, the first one without its backticks.
+inline std::vector<std::pair<std::string, std::string>> tableOfFormats(const std::string& header) {
+    const std::vector<std::string> lines = linesOf(readFile(PROJECT_FOLDER "/docs/formats.md"));
+    std::vector<std::pair<std::string, std::string>> rows;
+    auto line = std::find(lines.begin(), lines.end(), header);
+    EXPECT_NE(line, lines.end()) << header;
+    for (line += 2; line->starts_with("| `"); ++line) {
+        const std::size_t end = line->find("` | ");
+        rows.emplace_back(withoutSymbols(line->substr(3, end - 3)),
+                          withoutSymbols(line->substr(end + 4, line->size() - end - 6)));
+    }
+    return rows;
 }
 
 /// Creates an empty scratch folder and makes it the current one.
 struct InFolder {
     InFolder() {
-        std::filesystem::remove_all(folder);  // an aborted process of this number may have left one
-        std::filesystem::create_directory(folder);
+        std::filesystem::create_directories(folder / "generated");
         std::filesystem::current_path(folder);
     }
     ~InFolder() {

@@ -33,10 +33,3 @@
 
 # Odds and ends
 .flag FLAG_DOG_FED
-.flag FLAG_CAT_FED
-.flag FLAG_NET_MENDED
-.flag FLAG_LAMP_FILLED
-.flags FLAG_FISH_CAUGHT, 7
-.flag FLAG_SONG_LEARNED
-.flag FLAG_TAVERN_BANNED
-.flags FLAG_DICE_WON, 4
