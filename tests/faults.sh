@@ -61,7 +61,6 @@ inject() {
 echo "== Writes fail, stop half-way, or are the last thing that the program does"
 for command in "${implants[@]}" "${extracts[@]}"; do
     inject 0 error=ENOSPC write "savegame.dat disc2.d64 disc3.d64 game.reu" "$command"
-    inject 0 error=EIO write "savegame.dat disc2.d64 disc3.d64 game.reu" "$command"
     inject 137 signal=SIGKILL write "savegame.dat disc2.d64 disc3.d64 game.reu" "$command"
 done
 for command in "${implants[@]}"; do

@@ -8,7 +8,6 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <functional>
 #include <iterator>
 #include <sstream>
 #include <string>
@@ -30,21 +29,22 @@ inline void writeFile(const std::string& path, const std::string& bytes) {
 
 inline std::string readFile(const std::string& path) {
     std::ifstream file(path, std::ios::binary);
+    EXPECT_TRUE(file.is_open()) << path;
     return {std::istreambuf_iterator(file), {}};
 }
 
 /// Where and how the file at `path` first differs from `expected`; empty if it does not.
 inline std::string difference(const std::string& path, const std::string& expected) {
     const std::string actual = readFile(path);
-    const auto [end, other] = std::mismatch(actual.begin(), actual.end(), expected.begin(), expected.end());
-    const auto at = static_cast<std::size_t>(end - actual.begin());
-    const auto shown = [at](const std::string& bytes) { return testing::PrintToString(bytes.substr(at, 16)); };
     if (actual == expected) return "";
-    return path + " has " + shown(actual) + " at byte " + std::to_string(at) + ", expected is " + shown(expected);
+    std::size_t at = 0;
+    while (at < std::min(actual.size(), expected.size()) && actual[at] == expected[at]) ++at;
+    return path + " has " + testing::PrintToString(actual.substr(at, 16)) + " at byte " + std::to_string(at) +
+           ", expected is " + testing::PrintToString(expected.substr(at, 16));
 }
 
 /// What `call` prints. `call` must not assert: the message would be captured as well.
-inline std::string captured(const std::function<void()>& call) {
+inline std::string captured(const auto& call) {
     testing::internal::CaptureStdout();
     call();
     return testing::internal::GetCapturedStdout();
@@ -97,8 +97,8 @@ inline void expectSession(const std::string& file) {
     }
     if (std::getenv("UPDATE_EXPECTED") != nullptr) writeFile(path, session);
     const std::vector<std::string> actual = linesOf(session);
-    for (std::size_t i = 0; i == 0 || i < std::max(actual.size(), expected.size()); ++i) {
-        ASSERT_EQ(i < actual.size() ? actual[i] : "(no more)", i < expected.size() ? expected[i] : "(no more lines)")
+    for (std::size_t i = 0; i < std::max(actual.size(), expected.size()); ++i) {
+        ASSERT_EQ(i < actual.size() ? actual[i] : "(end)", i < expected.size() ? expected[i] : "(end)")
             << "in line " << i + 1 << " of " << path << "\nTo write it anew: UPDATE_EXPECTED=1 ctest --preset dev";
     }
 }
@@ -107,13 +107,13 @@ inline void expectSession(const std::string& file) {
 inline std::vector<std::pair<std::string, std::string>> tableOfFormats(const std::string& header) {
     const std::vector<std::string> lines = linesOf(readFile(PROJECT_FOLDER "/docs/formats.md"));
     std::vector<std::pair<std::string, std::string>> rows;
-    auto line = std::find(lines.begin(), lines.end(), header);
-    EXPECT_NE(line, lines.end()) << header;
-    for (line += 2; line->starts_with("| `"); ++line) {
+    for (auto line = std::find(lines.begin(), lines.end(), header); line != lines.end() && !line->empty(); ++line) {
         const std::size_t end = line->find("` | ");
-        rows.emplace_back(withoutSymbols(line->substr(3, end - 3)),
-                          withoutSymbols(line->substr(end + 4, line->size() - end - 6)));
+        if (end == std::string::npos) continue;  // the header, and the line below it
+        const std::string first = line->substr(3, end - 3);
+        rows.emplace_back(withoutSymbols(first), withoutSymbols(line->substr(end + 4, line->size() - end - 6)));
     }
+    EXPECT_FALSE(rows.empty()) << header;
     return rows;
 }
 

@@ -3,6 +3,4 @@
 
 using namespace stashkeep;
 
-struct CommandLine : testing::Test, InFolder {};
-
-TEST_F(CommandLine, findsCommandsAndRefusesOtherNumbersOfFiles) { expectSession("cli/command_line_test.txt"); }
+TEST(CommandLine, findsCommandsAndRefusesOtherNumbersOfFiles) { expectSession("cli/command_line_test.txt"); }

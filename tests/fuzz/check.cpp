@@ -21,11 +21,11 @@ static void takeDump(const FlagTable& flags, const std::string& heading, const s
 extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t size) {
     static const InFolder folder;
     GTEST_FLAG_SET(break_on_failure, true);
-    const unsigned char* const end = data + size;
+    std::istringstream texts(std::string(data, data + size));
     for (const char* name : {"generated/i", "generated/include", "world", "flags", "ids", "data"}) {
-        const unsigned char* const separator = std::find(data, end, 1);
-        writeFile(name, std::string(data, separator));
-        data = std::min(separator + 1, end);
+        std::string text;
+        std::getline(texts, text, '\1');
+        writeFile(name, text);
     }
     gameFlagTable = worldFlagTable = {};
     collectableTable = {};

@@ -32,11 +32,9 @@ TEST_F(D64Image, implantChangesTwoSectorsOfEachDiscAsFarAsTheDataFileGoes) {
 }
 
 TEST_F(D64Image, refusesOtherSizesAndFilesThatCannotBeOpened) {
-    writeFile("empty", "");
-    writeFile("35_tracks", std::string(174'848, 'x'));
-    writeFile("byte_missing", std::string(196'607, 'x'));
-    writeFile("byte_more", std::string(196'609, 'x'));
-    writeFile("error_bytes", std::string(197'376, 'x'));
+    for (const std::size_t size : {0U, 174'848U, 196'607U, 196'609U, 197'376U}) {
+        writeFile(std::to_string(size), std::string(size, 'x'));
+    }
     expectSession("transfer/d64_image_test.txt");
     EXPECT_EQ(difference("Disc2", disc2) + difference("ディスク3", disc3) + difference("data", data), "");
 }

@@ -6,10 +6,8 @@
 
 using namespace stashkeep;
 
-using Offsets = std::array<std::uint32_t, 4>;
-
 /// An image of 0x13000 dots, with pointers to its pages.
-static std::string imageWithPointers(const Offsets& offsets) {
+static std::string imageWithPointers(const std::array<std::uint32_t, 4>& offsets) {
     constexpr std::array<std::size_t, 4> places{0x900, 0x908, 0x1100, 0x1108};
     std::string image(0x13000, '.');
     for (std::size_t i = 0; i < 16; ++i) {
@@ -49,7 +47,7 @@ TEST_F(MemoryImage, implantChangesOnlyThePages) {
 TEST_F(MemoryImage, refusesAPointerThatPointsOutside) {
     for (const std::uint32_t outside : {0x12f01U, 0x13000U, 0x80002034U, 0xffffff00U, 0xffffffffU}) {
         for (std::size_t i = 0; i < 4; ++i) {
-            Offsets offsets{0x2000, 0x2100, 0x2200, 0x2300};
+            std::array<std::uint32_t, 4> offsets{0x2000, 0x2100, 0x2200, 0x2300};
             offsets[i] = outside;
             writeFile("image", imageWithPointers(offsets));
             EXPECT_EQ(run({"extractreu", "image", "data"}), refusal) << "pointer " << i << " to " << outside;
