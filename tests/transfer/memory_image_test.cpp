@@ -6,10 +6,10 @@
 
 using namespace stashkeep;
 
-/// An image of 0x13000 dots, with pointers to its pages.
+/// An image of 0x13001 dots, with pointers to its pages.
 static std::string imageWithPointers(const std::array<std::uint32_t, 4>& offsets) {
     constexpr std::array<std::size_t, 4> places{0x900, 0x908, 0x1100, 0x1108};
-    std::string image(0x13000, '.');
+    std::string image(0x13001, '.');
     for (std::size_t i = 0; i < 16; ++i) {
         image[places[i / 4] + i % 4] = static_cast<char>(offsets[i / 4] >> 8 * (i % 4));
     }
@@ -18,9 +18,9 @@ static std::string imageWithPointers(const std::array<std::uint32_t, 4>& offsets
 
 /// The same with four pages, the last of which is at the end.
 static std::string imageWithPages(const std::array<std::string, 4>& pages) {
-    std::string image = imageWithPointers({0x2134, 0x12000, 0x2034, 0x12f00});
+    std::string image = imageWithPointers({0x2134, 0x12000, 0x2034, 0x12f01});
     image.replace(0x2134, 256, pages[0]).replace(0x12000, 256, pages[1]);
-    return image.replace(0x2034, 256, pages[2]).replace(0x12f00, 256, pages[3]);
+    return image.replace(0x2034, 256, pages[2]).replace(0x12f01, 256, pages[3]);
 }
 
 static const std::string refusal = "File:<image> not a valid Zarnis memory image.\nexit status 1";
@@ -45,7 +45,7 @@ TEST_F(MemoryImage, implantChangesOnlyThePages) {
 }
 
 TEST_F(MemoryImage, refusesAPointerThatPointsOutside) {
-    for (const std::uint32_t outside : {0x12f01U, 0x13000U, 0x80002034U, 0xffffff00U, 0xffffffffU}) {
+    for (const std::uint32_t outside : {0x12f02U, 0x13001U, 0x80002034U, 0xffffff00U, 0xffffffffU}) {
         for (std::size_t i = 0; i < 4; ++i) {
             std::array<std::uint32_t, 4> offsets{0x2000, 0x2100, 0x2200, 0x2300};
             offsets[i] = outside;
@@ -59,7 +59,7 @@ TEST_F(MemoryImage, refusesAPointerThatPointsOutside) {
 
 TEST_F(MemoryImage, implantReadsAPointerAfterThePagesBeforeItAreWritten) {
     const std::string old = imageWithPointers({0x10c0, 0x2000, 0xffffffff, 0xffffffff});
-    for (const std::uint32_t last : {0x3000U, 0x12f01U}) {
+    for (const std::uint32_t last : {0x3000U, 0x12f02U}) {
         const std::string implanted = imageWithPointers({0x10c0, 0x2000, 0x2100, last});
         writeFile("image", old);
         writeFile("data", implanted.substr(0x10c0, 256) + std::string(768, '.'));  // with the pointers of disc 3
