@@ -5,7 +5,7 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 target=$1 seconds=$2
 
-scripts/install.sh cmake ninja-build g++ clang libclang-rt-14-dev libgtest-dev
+scripts/install.sh cmake ninja-build g++ clang libclang-rt-dev libgtest-dev
 cmake --preset fuzz ${CI:+-DCMAKE_COMPILE_WARNING_AS_ERROR=ON} >/dev/null
 cmake --build --preset fuzz --target "fuzz_$target" >/dev/null
 out=$PWD/out/fuzz

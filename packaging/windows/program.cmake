@@ -8,8 +8,3 @@ configure_file(packaging/windows/stashkeep.rc.in stashkeep.rc @ONLY)
 target_sources(stashkeep PRIVATE ${CMAKE_CURRENT_BINARY_DIR}/stashkeep.rc)
 target_link_options(stashkeep PRIVATE
   -s -Wl,--dynamicbase,--high-entropy-va,--nxcompat,--no-insert-timestamp)
-
-if(CMAKE_CROSSCOMPILING)
-  list(APPEND CMAKE_MODULE_PATH ${CMAKE_CURRENT_LIST_DIR})
-  set(drive Z:) # Wine maps it to /
-endif()
