@@ -1,10 +1,13 @@
 #!/usr/bin/env bash
 # Packs what a build installs into one folder: scripts/archive.sh BUILD_FOLDER ARCHIVE.tar.gz|ARCHIVE.zip
+# A ZIP also contains the media of the examples, since Windows cannot run make_media.sh.
 # Order, times, owner and modes are fixed, so that equal builds give equal archives.
 set -euo pipefail
 mkdir -p "$(dirname "$2")"
-build=$(realpath "$1") archive=$(realpath "$2")
+build=$(realpath "$1")
+archive=$(realpath "$2")
 cd "$(dirname "$0")/.."
+sources=$PWD
 
 scripts/install.sh cmake dpkg-dev zip
 work=$(mktemp -d)
@@ -13,6 +16,10 @@ folder=$(basename "${archive%.zip}" .tar.gz)
 SOURCE_DATE_EPOCH=$(dpkg-parsechangelog -l debian/changelog -S Timestamp)
 export SOURCE_DATE_EPOCH TZ=UTC LC_ALL=C # strip writes the time into a program for Windows
 cmake --install "$build" --strip --prefix "$work/$folder" >/dev/null
+if [[ $archive == *.zip ]]; then
+    cd "$work/$folder/examples"
+    sh "$sources/examples/make_media.sh"
+fi
 cd "$work"
 chmod -R u=rwX,go=rX "$folder"
 find "$folder" -exec touch --date "@$SOURCE_DATE_EPOCH" {} +
