@@ -13,51 +13,83 @@ trap 'rm -rf "$work"' EXIT
 cp examples/savegame.dat bench/{implant.py,fill.awk} "$bench/least" out/bench/stashkeep "$work"
 cd "$work"
 
-lines() { awk "BEGIN { for (i = 0; i < $1; i++) printf \"$2\\n\", i, i % 200 }"; }
+# lines COUNT FORMAT: prints COUNT lines; each has two numbers for the FORMAT
+lines() {
+    awk "BEGIN { for (i = 0; i < $1; i++) printf \"$2\\n\", i, i % 200 }"
+}
 lines 700 '.flag FLAG_CHEST_TAKEN_%d' >flags.asm
 lines 45 'COLLECTABLE_THING_%d = %d' >ids.asm
-mkdir generated && lines 1000 'WORLDFLAG_ROOM_VISITED_%d = WORLDFLAGS_START + %d' >generated/world.inc
+mkdir generated
+lines 1000 'WORLDFLAG_ROOM_VISITED_%d = WORLDFLAGS_START + %d' >generated/world.inc
 printf '#AsmSectionBegin\ninclude "world.inc"\n#AsmSectionEnd\n' >world.asm
 lines 550000 'COLLECTABLE_THING_%06d = %d' >many_ids.asm
 lines 890000 '.flag FLAG_%07d' >many_flags.asm
-{ head -c 2304 && printf '\0\0\1\0    \0\0\2\0' && head -c 2036 && printf '\0\0\3\0    \0\0\4\0' && head -c 16772852; } \
-    </dev/urandom | tee game.reu >copy.reu
+# A memory image of 16 MiB with pointers to 0x10000, 0x20000, 0x30000 and 0x40000
+{
+    head -c 2304
+    printf '\0\0\1\0    \0\0\2\0'
+    head -c 2036
+    printf '\0\0\3\0    \0\0\4\0'
+    head -c 16772852
+} </dev/urandom >game.reu
+cp game.reu copy.reu
 extract="./stashkeep extractreu game.reu out.dat"
 implant="./stashkeep implantreu savegame.dat copy.reu"
 manyIds="./stashkeep check savegame.dat /dev/null many_ids.asm /dev/null"
 manyFlags="./stashkeep check savegame.dat many_flags.asm /dev/null /dev/null"
 
+# heading TITLE: begins a table
+heading() {
+    printf '%s:\n\n' "$1"
+    printf '| run | against | median | ratio |\n'
+    printf '|---|---|---|---|\n'
+}
+# row DIGITS COMMAND OTHER_COMMAND SECONDS OTHER_SECONDS
+row() {
+    awk -v digits="$1" -v own="$2" -v other="$3" -v time="$4" -v otherTime="$5" \
+        'BEGIN { printf "| `%s` | `%s` | %.*f ms | %.2f |\n", own, other, digits, 1000 * time, time / otherTime }'
+}
+# medians of the last measurement, in seconds: that of COMMAND, then that of OTHER_COMMAND
+medians() {
+    tail -n 2 times.csv | cut -d , -f 4 | paste -s -d ' '
+}
 # compare RUNS COMMAND OTHER_COMMAND: run after run
 compare() {
+    local own other
     hyperfine -N --warmup 3 --runs "$1" --export-csv times.csv "$2" "$3" >/dev/null 2>&1
-    awk -F, -v own="$2" -v other="$3" 'NR == 2 { time = $4 }
-        NR == 3 { printf "| `%s` | `%s` | %.2f ms | %.2f |\n", own, other, 1000 * time, time / $4 }' times.csv
+    read -r own other < <(medians)
+    row 2 "$2" "$3" "$own" "$other"
 }
 # compareAfterPause COMMAND OTHER_COMMAND: single runs in turn, each after 10 s without work
 compareAfterPause() {
+    local own other
     for _ in {1..9}; do
         hyperfine -N --runs 1 --prepare 'sleep 10' --export-csv times.csv "$1" "$2" >/dev/null 2>&1
-        tail -n 2 times.csv | cut -d , -f 4 | paste -s
+        medians
     done >pairs
-    local own other
-    own=$(cut -f 1 pairs | sort -g | sed -n 5p) other=$(cut -f 2 pairs | sort -g | sed -n 5p)
-    awk -v own="$1" -v other="$2" -v a="$own" -v b="$other" \
-        'BEGIN { printf "| `%s` | `%s` | %.1f ms | %.2f |\n", own, other, 1000 * a, a / b }'
+    own=$(cut -d ' ' -f 1 pairs | sort -g | sed -n 5p)
+    other=$(cut -d ' ' -f 2 pairs | sort -g | sed -n 5p)
+    row 1 "$1" "$2" "$own" "$other"
 }
-printf 'Run after run:\n\n| run | against | median | ratio |\n|---|---|---|---|\n'
+heading "Run after run"
 compare 2000 ./stashkeep true
 compare 2000 "./stashkeep check savegame.dat" true
 compare 2000 "./stashkeep check savegame.dat flags.asm ids.asm world.asm" true
-for other in "./least game.reu" "cat game.reu"; do compare 200 "$extract" "$other"; done
-for other in "cp game.reu copy.reu" "python3 implant.py"; do compare 100 "$implant" "$other"; done
-for other in "wc many_ids.asm" "awk -f fill.awk many_ids.asm"; do compare 30 "$manyIds" "$other"; done
+compare 200 "$extract" "./least game.reu"
+compare 200 "$extract" "cat game.reu"
+compare 100 "$implant" "cp game.reu copy.reu"
+compare 100 "$implant" "python3 implant.py"
+compare 30 "$manyIds" "wc many_ids.asm"
+compare 30 "$manyIds" "awk -f fill.awk many_ids.asm"
 compare 30 "$manyFlags" "wc many_flags.asm"
-printf '\nOnce, after a pause:\n\n| run | against | median | ratio |\n|---|---|---|---|\n'
+echo
+heading "Once, after a pause"
 compareAfterPause "$extract" "./least game.reu"
 compareAfterPause "$manyIds" "awk -f fill.awk many_ids.asm"
 printf '\nMemory:\n\n'
 for run in "$extract" "$manyIds" "$manyFlags"; do
     # shellcheck disable=SC2086 # the run is words
-    env time -o memory -f "%M KiB: %C" $run >/dev/null && cat memory
+    env time -o memory -f "%M KiB: %C" $run >/dev/null
+    cat memory
 done
 "$bench/stashkeep_bench"

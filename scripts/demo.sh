@@ -16,11 +16,23 @@ trap 'rm -rf "$media"' EXIT
 cp -r examples/. "$media"
 cd "$media"
 
-run() { printf '$ stashkeep %s\n' "$*" && "${stashkeep[@]}" "$@" && echo; }
-same() { cmp "$1" "$2" && echo "$1 and $2 are the same, byte for byte."; }
-changed() { cmp -l "$1.before" "$1" | wc -l || true; }
+run() {
+    printf '$ stashkeep %s\n' "$*"
+    "${stashkeep[@]}" "$@"
+    echo
+}
+same() {
+    cmp "$1" "$2"
+    echo "$1 and $2 are the same, byte for byte."
+}
+changed() {
+    cmp -l "$1.before" "$1" | wc -l || true
+}
 # The directory of a disc, without colours; of a copy, since cc1541 opens images for writing.
-directory() { cp "$1" listed.d64 && cc1541 -4 listed.d64 | sed 's/\x1b\[[0-9]*m//g' | grep '^[0-9]'; }
+directory() {
+    cp "$1" listed.d64
+    cc1541 -4 listed.d64 | sed 's/\x1b\[[0-9]*m//g' | grep '^[0-9]'
+}
 
 printf '\n== Two floppy discs with a file each, and a memory image\n'
 sh make_media.sh

@@ -3,7 +3,8 @@
 # Inputs that fail are stored in out/fuzz/found, the corpus in out/fuzz/corpus.
 set -euo pipefail
 cd "$(dirname "$0")/.."
-target=$1 seconds=$2
+target=$1
+seconds=$2
 
 scripts/install.sh cmake ninja-build g++ clang libclang-rt-dev libgtest-dev
 cmake --preset fuzz ${CI:+-DCMAKE_COMPILE_WARNING_AS_ERROR=ON} >/dev/null

@@ -11,7 +11,10 @@ done
 
 asRoot=(env DEBIAN_FRONTEND=noninteractive)
 if [ "$(id -u)" -ne 0 ]; then
-    command -v sudo >/dev/null || { echo "Install these as root, or install sudo: ${missing[*]}" >&2 && exit 1; }
+    if ! command -v sudo >/dev/null; then
+        echo "Install these as root, or install sudo: ${missing[*]}" >&2
+        exit 1
+    fi
     asRoot=(sudo "${asRoot[@]}")
 fi
 "${asRoot[@]}" apt-get update -qq
