@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Runs a fuzz target: scripts/fuzz.sh check|images|tokenizers SECONDS
+# Runs a fuzz target: scripts/fuzz.sh check|images SECONDS
 # Inputs that fail are stored in out/fuzz/found, the corpus in out/fuzz/corpus.
 set -euo pipefail
 cd "$(dirname "$0")/.."
