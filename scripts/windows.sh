@@ -14,7 +14,7 @@ folder=stashkeep-$version-windows-x86_64
 scripts/archive.sh out/windows "out/packages/$folder.zip"
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
-unzip "out/packages/$folder.zip" -d "$work"
+unzip -q "out/packages/$folder.zip" -d "$work"
 
 # The libraries of MinGW-w64 have names like libstdc++-6.dll and do not come with Windows.
 x86_64-w64-mingw32-objdump -p "$work/$folder/stashkeep.exe" >"$work/headers"
