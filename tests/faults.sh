@@ -62,8 +62,6 @@ echo "== Writes fail, stop half-way, or are the last thing that the program does
 for command in "${implants[@]}" "${extracts[@]}"; do
     inject 0 error=ENOSPC write "savegame.dat disc2.d64 disc3.d64 game.reu" "$command"
     inject 137 signal=SIGKILL write "savegame.dat disc2.d64 disc3.d64 game.reu" "$command"
-done
-for command in "${implants[@]}"; do
     try 0 bash -c "trap '' XFSZ && ulimit -f 100 && $program $command | grep -q '!$'"
 done
 
@@ -79,7 +77,8 @@ echo "== Media may not be written"
 asNobody=$([ "$(id -u)" -ne 0 ] || echo setpriv --reuid=65534 --regid=65534 --clear-groups)
 try 0 bash -c "chmod 444 ./* && $asNobody $program ${implants[0]} | tr '\\n' ' ' |
     grep -q '!File:<disc2.d64> not creatable. File:<disc3.d64> not creatable. $'"
-try 0 bash -c "chmod 444 ./* && $asNobody $program ${implants[1]} && $asNobody $program extractreu game.reu /dev/null"
+try 0 bash -c "chmod 444 ./* && $asNobody $program ${implants[1]} && $asNobody $program extractreu game.reu /dev/null &&
+    exec $asNobody $program check savegame.dat"
 
 echo "== Files are pipes or devices, or end before their size says"
 try 0 bash -c "cat disc2.d64 | $program implantd64 savegame.dat /dev/stdin disc3.d64 |

@@ -21,7 +21,7 @@ namespace stashkeep {
 using namespace std::string_literals;  // for texts that contain NUL
 
 /// A page that is filled with one byte.
-inline std::string page(char byte) { return std::string(256, byte); }
+inline std::string page(char byte) { return std::string(256, byte); }  // NOLINT(modernize-return-braced-init-list)
 
 inline void writeFile(const std::string& path, const std::string& bytes) {
     std::ofstream(path, std::ios::binary) << bytes;
@@ -70,7 +70,9 @@ inline std::vector<std::string> linesOf(const std::string& text) {
 
 /// The text with these symbols replaced by the bytes that they stand for.
 inline std::string withoutSymbols(std::string text) {
-    for (const auto& [symbol, byte] : {std::pair("⏎"s, '\n'), {"␍"s, '\r'}, {"⇥"s, '\t'}, {"␀"s, '\0'}}) {
+    const std::pair<std::string, char> symbols[] = {{"⏎", '\n'}, {"␍", '\r'}, {"⇥", '\t'},
+                                                    {"␋", '\v'}, {"␌", '\f'}, {"␀", '\0'}};
+    for (const auto& [symbol, byte] : symbols) {
         for (std::size_t i; (i = text.find(symbol)) != std::string::npos;) text.replace(i, symbol.size(), 1, byte);
     }
     return text;
@@ -83,15 +85,13 @@ inline void expectSession(const std::string& file) {
     const std::vector<std::string> expected = linesOf(readFile(path));
     std::string session;
     for (const std::string& line : expected) {
-        std::istringstream words(line);
-        std::string prompt, command, name;
-        words >> prompt >> command;
-        if (prompt == "#" || prompt == "$") session += line + "\n";
-        if (prompt != "$") continue;
-        if (command == "write") {
-            words >> name;
-            writeFile(name, withoutSymbols(line.substr(9 + name.size())));
-        } else {
+        if (line.starts_with("#") || line.starts_with("$ ")) session += line + "\n";
+        if (line.starts_with("$ write ")) {
+            const std::size_t nameEnd = line.find(' ', 8);
+            writeFile(line.substr(8, nameEnd - 8), withoutSymbols(line.substr(nameEnd + 1)));
+        }
+        if (line.starts_with("$ stashkeep ")) {
+            std::istringstream words(line.substr(12));
             session += run({std::istream_iterator<std::string>(words), {}}) + "\n";
         }
     }

@@ -35,7 +35,7 @@ void writeBytes(const File& file, const void* bytes, std::size_t size);
 [[nodiscard]] ByteVector loadFile(const char* path);
 
 /// The whole text file at `path`, read to EOF. Empty if it cannot be opened or read, or is 2 GiB or
-/// longer. Throws std::bad_alloc when out of memory.
+/// longer. Throws std::bad_alloc or std::length_error when out of memory.
 [[nodiscard]] std::optional<std::string> readText(const char* path);
 
 /// Overwrites the existing file at `path` with `bytes`, from the start and with one write. The file

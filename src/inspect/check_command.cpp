@@ -1,4 +1,4 @@
-// Reads all files before it prints the first savegame. Tokens of the sources are printed while they are read.
+// Reads all files before it prints the first savegame.
 #include "inspect/check_command.h"
 
 #include "cli/files.h"
@@ -37,7 +37,7 @@ int checkCommand(int argumentCount, const char* const* arguments) {
         }
     }
     const char* const dataPath = arguments[2];
-    const File dataFile = openFile(dataPath, "rb");
+    File dataFile = openFile(dataPath, "rb");
     if (!dataFile) {
         printOut("%sfile not readable: <%s>\n", usageLine, dataPath);
         return 1;
@@ -46,6 +46,7 @@ int checkCommand(int argumentCount, const char* const* arguments) {
     DiscSavegame disc3{};
     readBytes(dataFile, &disc2, sizeof disc2);
     readBytes(dataFile, &disc3, sizeof disc3);
+    dataFile.reset();  // not kept open while a long report is printed
 
     printOut(">>>DISC2 SAVEGAME CONTENTS:\n");
     printSavegame(disc2);

@@ -1,4 +1,4 @@
-// The markers of assembler sections, and what a run reads from the game's sources. There are no other global objects.
+// The markers of assembler sections, and what a run reads from the game's sources. There are no other global variables.
 #pragma once
 
 #include <cstdint>

@@ -1,5 +1,5 @@
-// One scanner serves both tokenizers. It consumes runs of bytes of the same class, and each quoted stretch, comment and
-// section as a whole, so that its only state is the pending token.
+// One scanner serves both tokenizers. It consumes each word, quoted stretch, comment and section as a whole, so that the
+// pending token is its only state.
 #include "symbols/tokenizer.h"
 
 #include <algorithm>

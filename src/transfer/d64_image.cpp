@@ -70,7 +70,7 @@ int implantIntoD64(int argumentCount, const char* const* arguments) {
         return 1;
     }
     for (const PagePlace& place : pagePlaces) readBytes(dataFile, findPage(discs, place), pageSize);
-    dataFile.reset();  // closed before the images are opened for writing, since it may be one of them
+    dataFile.reset();  // closed first, so that no file is open twice if it is also an image
     rewriteFile(disc2Path, discs.disc2);
     rewriteFile(disc3Path, discs.disc3);
     return 0;

@@ -74,7 +74,7 @@ int implantIntoImage(int argumentCount, const char* const* arguments) {
         if (!offset) return refuseImage(imagePath);
         readBytes(dataFile, &image[*offset], pageSize);
     }
-    dataFile.reset();  // closed before the image is opened for writing, since it may be the same file
+    dataFile.reset();  // closed first, so that no file is open twice if it is also the image
     rewriteFile(imagePath, image);
     return 0;
 }

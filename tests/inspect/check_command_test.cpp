@@ -1,4 +1,4 @@
-// What check prints for the examples, for data files of any length, and for files that cannot be read.
+// What check prints for the examples and for data files of any length.
 #include "test_support.h"
 
 using namespace stashkeep;
@@ -18,9 +18,4 @@ TEST_F(CheckCommand, missingBytesReadAsZeroAndFurtherOnesAreIgnored) {
         EXPECT_EQ(run({"check", "short"}), run({"check", "long"})) << size << " bytes";
     }
     EXPECT_EQ(run({"check", "short"}).find(">>gameflags"), std::string::npos) << "without sources, there are no flags";
-}
-
-TEST_F(CheckCommand, readsTheSourcesBeforeTheDataFile) {
-    for (const char* path : {"flags", "ids", "world"}) writeFile(path, "");
-    expectSession("inspect/check_command_test.txt");
 }

@@ -6,10 +6,11 @@
 
 using namespace stashkeep;
 
-/// The value that is printed for the only flag, which is in `table`, if all bits of the area are set.
+/// The value that is printed for the only flag, which is in `table`, if all bits of the area but bit 992 are set.
 static std::int32_t valueOf(FlagTable& table, Flag flag) {
     DiscSavegame savegame{};
     savegame.flagBits.fill(0xff);
+    savegame.flagBits[124] = 0xfe;
     savegame.uninterpretedChecked.fill(0xff);
     gameFlagTable = worldFlagTable = {};
     table["WORLDFLAG_"] = flag;
@@ -27,7 +28,8 @@ TEST(FlagDump, aFlagReadsOnlyBitsOfTheAreaAndAtMost32) {
         {-1, 3, 7, 6},
         {-257, 3, 6, 0},
         {INT32_MIN, 1, 0, 0},
-        {992, INT32_MAX, -1, -1},
+        {736, 33, -2, -1},
+        {992, INT32_MAX, -1, -2},
         {993, 32, INT32_MAX, -1},
         {1278, 3, 0, 3},
         {INT32_MAX, 1, 0, 0},

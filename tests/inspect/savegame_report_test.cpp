@@ -7,14 +7,18 @@
 
 using namespace stashkeep;
 
-TEST(SavegameReport, showsTheGreatestValuesAndTheStoredChecksum) {
+TEST(SavegameReport, showsTheGreatestBytesAndTheStoredChecksum) {
     DiscSavegame savegame;
     std::memset(&savegame, 0xff, sizeof savegame);  // the XOR of an odd number of these bytes is 0xff
-    savegame.checkSumPage0 = 0x0a;
+    savegame.savegameid = {7, 0};
+    savegame.chestItemIds[19] = 128;
     const std::string report = captured([&] { printSavegame(savegame); });
-    for (const char* line :
-         {"\nmoney:<2805>\n", "\ncheckSumPage1:ff valid:true\n", "\ncheckSumPage0:0a valid:false\n",
-          "\nsavegameid:ffff\n", "\ninventory: <255 items>\n", "\n23_item:255<undefined> count:256\n"}) {
-        EXPECT_NE(report.find(line), std::string::npos) << "there is no line " << line << "in this report:" << report;
+    for (const std::string line :
+         {"money:<2805>", "lives:<255>", "inventoryUsing:<$ff>", "maxLives:<255>", "inventoryCount:<255>",
+          "weaponFileId:<$ff>", "inventoryCurrentItem:<255>", "savepointId:<255>", "changedisc2flags:<$ff>",
+          "activatedWomen:<$ff>", "specialFlags:<$ff>", "validsavegame:<$ff> should be $55",
+          "checkSumPage1:ff valid:false", "checkSumPage0:ff valid:true", "savegameid:0007", "inventory: <255 items>",
+          "23_item:255<undefined> count:256", "19_item:128<undefined> count:256"}) {
+        EXPECT_NE(report.find("\n" + line + "\n"), std::string::npos) << "no line " << line << " in" << report;
     }
 }
