@@ -1,5 +1,5 @@
-// One scanner serves both tokenizers. It consumes each word, quoted stretch, comment and section as a whole, so that the
-// pending token is its only state.
+// One scanner serves both tokenizers. It consumes each word, quoted stretch, comment and section as a whole: its only
+// state is the pending token.
 #include "symbols/tokenizer.h"
 
 #include <algorithm>

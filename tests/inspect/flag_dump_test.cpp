@@ -23,7 +23,6 @@ TEST(FlagDump, aFlagReadsOnlyBitsOfTheAreaAndAtMost32) {
         std::int32_t firstBit, bitCount, asGameFlag, asWorldFlag;
     } cases[] = {
         {0, 2, 3, 3},
-        {0, 0, 0, 0},
         {0, -1, 0, 0},
         {-1, 3, 7, 6},
         {-257, 3, 6, 0},
