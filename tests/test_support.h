@@ -70,8 +70,8 @@ inline std::vector<std::string> linesOf(const std::string& text) {
 
 /// The text with these symbols replaced by the bytes that they stand for.
 inline std::string withoutSymbols(std::string text) {
-    const std::pair<std::string, char> symbols[] = {{"⏎", '\n'}, {"␍", '\r'}, {"⇥", '\t'},
-                                                    {"␋", '\v'}, {"␌", '\f'}, {"␀", '\0'}};
+    const std::vector<std::pair<std::string, char>> symbols{{"⏎", '\n'}, {"␍", '\r'}, {"⇥", '\t'},
+                                                            {"␋", '\v'}, {"␌", '\f'}, {"␀", '\0'}};
     for (const auto& [symbol, byte] : symbols) {
         for (std::size_t i; (i = text.find(symbol)) != std::string::npos;) text.replace(i, symbol.size(), 1, byte);
     }
