@@ -92,7 +92,7 @@ for line in "${lines[@]}"; do
     given=("${arguments[0]}")
     for argument in "${arguments[@]:1}"; do
         kind=${argument##*[<.]}
-        expect "${files[${kind%>}]}" "${given[@]}" ''
+        expect "${files[${kind%>}]:-no such file in this script}" "${given[@]}" ''
         given+=(a)
     done
     expect '' "${given[@]}" ''

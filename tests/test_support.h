@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -17,8 +18,6 @@
 #include "cli/command_line.h"
 
 namespace stashkeep {
-
-using namespace std::string_literals;  // for texts that contain NUL
 
 /// A page that is filled with one byte.
 inline std::string page(char byte) { return std::string(256, byte); }  // NOLINT(modernize-return-braced-init-list)
@@ -95,7 +94,7 @@ inline void expectSession(const std::string& file) {
             session += run({std::istream_iterator<std::string>(words), {}}) + "\n";
         }
     }
-    if (std::getenv("UPDATE_EXPECTED") != nullptr) writeFile(path, session);
+    if (std::getenv("UPDATE_EXPECTED") != nullptr) return writeFile(path, session);
     const std::vector<std::string> actual = linesOf(session);
     for (std::size_t i = 0; i < std::max(actual.size(), expected.size()); ++i) {
         ASSERT_EQ(i < actual.size() ? actual[i] : "(end)", i < expected.size() ? expected[i] : "(end)")
@@ -103,15 +102,16 @@ inline void expectSession(const std::string& file) {
     }
 }
 
-/// The two cells of each row of the table in docs/formats.md with this header, the first one without its backticks.
-inline std::vector<std::pair<std::string, std::string>> tableOfFormats(const std::string& header) {
+/// The rows of the table in docs/formats.md with this header: the first cell without backticks, the second, the place.
+inline std::vector<std::array<std::string, 3>> tableOfFormats(const std::string& header) {
     const std::vector<std::string> lines = linesOf(readFile(PROJECT_FOLDER "/docs/formats.md"));
-    std::vector<std::pair<std::string, std::string>> rows;
+    std::vector<std::array<std::string, 3>> rows;
     for (auto line = std::find(lines.begin(), lines.end(), header); line != lines.end() && !line->empty(); ++line) {
-        const std::size_t end = line->find("` | ");
+        const std::string row = withoutSymbols(*line);
+        const std::string place = "docs/formats.md:" + std::to_string(line - lines.begin() + 1);
+        const std::size_t end = row.find("` | ");
         if (end == std::string::npos) continue;  // the header, and the line below it
-        const std::string first = line->substr(3, end - 3);
-        rows.emplace_back(withoutSymbols(first), withoutSymbols(line->substr(end + 4, line->size() - end - 6)));
+        rows.push_back({row.substr(3, end - 3), row.substr(end + 4, row.size() - end - 6), place});
     }
     EXPECT_FALSE(rows.empty()) << header;
     return rows;

@@ -30,27 +30,27 @@ struct SymbolReader : testing::Test, InFolder {
 };
 
 TEST_F(SymbolReader, theWidthOfFlagsMustBeAnIntegerAsInTheTable) {
-    for (const auto& [token, integer] : tableOfFormats("| token | integer |")) {
-        EXPECT_EQ(definitions("flags", ".flags A, " + token), integer == "fails" ? integer : "`A` 0, " + integer)
-            << token;
+    for (const auto& [token, integer, row] : tableOfFormats("| token | integer |")) {
+        const std::string flags = integer == "fails" ? integer : "`A` 0, " + integer;
+        EXPECT_EQ(definitions("flags", ".flags A, " + token), flags) << row;
     }
 }
 
 TEST_F(SymbolReader, definesGameFlagsAsTheTableSays) {
-    for (const auto& [text, flags] : tableOfFormats("| text of FLAGS | flags, each with its first bit and width |")) {
-        EXPECT_EQ(definitions("flags", text), flags) << text;
+    for (const auto& [text, flags, row] : tableOfFormats("| text of FLAGS | flags: first bit, width |")) {
+        EXPECT_EQ(definitions("flags", text), flags) << row;
     }
 }
 
 TEST_F(SymbolReader, definesWorldFlagsAsTheTableSays) {
-    for (const auto& [text, flags] : tableOfFormats("| text of an included file | flags, each with its bit |")) {
-        EXPECT_EQ(definitions("generated/w", text), flags) << text;
+    for (const auto& [text, flags, row] : tableOfFormats("| text of an included file | flags: bit |")) {
+        EXPECT_EQ(definitions("generated/w", text), flags) << row;
     }
 }
 
 TEST_F(SymbolReader, definesIdsAsTheTableSays) {
-    for (const auto& [text, ids] : tableOfFormats("| text of COLLECTABLES | items, each with its id |")) {
-        EXPECT_EQ(definitions("ids", text), ids) << text;
+    for (const auto& [text, ids, row] : tableOfFormats("| text of COLLECTABLES | items: id |")) {
+        EXPECT_EQ(definitions("ids", text), ids) << row;
     }
 }
 

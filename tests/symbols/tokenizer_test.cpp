@@ -13,17 +13,17 @@ static std::string shown(const TokenList& tokens) {
     return text.empty() ? "none" : text;
 }
 
-TEST(Tokenizer, splitsTextsAsTheTableSays) {
-    for (const auto& [text, tokens] : tableOfFormats("| text | tokens |")) {
-        EXPECT_EQ(shown(splitLine(text)), tokens) << text;
-        EXPECT_EQ(shown(splitAsmLine(text)), tokens) << text << ", which has no sections";
+TEST(Tokenizer, splitsWordsQuotesEscapesAndCommentsAsTheTableSays) {
+    for (const auto& [text, tokens, row] : tableOfFormats("| text | tokens |")) {
+        EXPECT_EQ(shown(splitLine(text)), tokens) << row;
+        EXPECT_EQ(shown(splitAsmLine(text)), tokens) << row << ", without sections";
     }
 }
 
 TEST(Tokenizer, collectsSectionsAsTheTableSays) {
-    for (const auto& [text, section] : tableOfFormats("| text of GLOBALDEFINES | section text |")) {
+    for (const auto& [text, section, row] : tableOfFormats("| text of GLOBALDEFINES | section text |")) {
         asmSectionText.clear();
         static_cast<void>(splitAsmLine(text));
-        EXPECT_EQ(asmSectionText.empty() ? "none" : "`" + asmSectionText + "`", section) << text;
+        EXPECT_EQ(asmSectionText.empty() ? "none" : "`" + asmSectionText + "`", section) << row;
     }
 }
