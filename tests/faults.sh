@@ -96,6 +96,7 @@ if (cd now && ulimit -v 300000 && $program) &>/dev/null; then # with AddressSani
     head -c 25000000 /dev/zero | tr '\0' '#' >old/comments # of which 300,000 KiB is 12 times the size
     try 0 bash -c "ulimit -v 300000 && exec $program check savegame.dat comments comments comments"
     try 1 bash -c "ulimit -v 300000 && exec $program check savegame.dat /dev/zero no no"
-    try 1 bash -c "truncate -s 1G huge && ulimit -v 300000 && exec $program extractreu huge savegame.dat"
+    try 0 bash -c "truncate -s 2147483647 huge && ulimit -v 300000 && # one byte less than what is refused for its size
+        $strace -e trace=%memory $program extractreu huge a 2>&1 | grep -qz 'mmap.*, 2147.*ENOMEM.*not a valid Zarnis'"
 fi
 exit $failed

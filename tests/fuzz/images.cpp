@@ -1,5 +1,4 @@
-// Extract from and implant into any memory image. The input is the image's size in pages, its four pointers and its
-// contents.
+// Extract from and implant into any memory image. The input is its size in pages, its four pointers and its contents.
 #include <cstring>
 
 #include "test_support.h"
