@@ -120,6 +120,7 @@ inline std::vector<std::array<std::string, 3>> tableOfFormats(const std::string&
 /// Creates an empty scratch folder and makes it the current one.
 struct InFolder {
     InFolder() {
+        std::filesystem::remove_all(folder);  // an aborted process of this number may have left one
         std::filesystem::create_directories(folder / "generated");
         std::filesystem::current_path(folder);
     }

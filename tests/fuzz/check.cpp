@@ -5,16 +5,15 @@
 
 using namespace stashkeep;
 
-/// Takes the lines of `flags` from the start of `output`, where they must be in order.
-static void takeDump(const FlagTable& flags, const std::string& heading, const std::string& prefix,
-                     std::string& output) {
-    EXPECT_EQ(output.substr(0, heading.size()), heading);
-    output.erase(0, heading.size());
+/// Takes the lines of `flags` from the start of `text`, where they must be in order.
+static void takeDump(const FlagTable& flags, const std::string& heading, const std::string& prefix, std::string& text) {
+    EXPECT_EQ(text.substr(0, heading.size()), heading);
+    text.erase(0, heading.size());
     for (const auto& [name, flag] : flags) {
         if (!name.starts_with(prefix)) continue;
         const std::string start = name.substr(0, name.find('\0')) + " = ";
-        EXPECT_EQ(output.substr(0, start.size()), start) << "must begin the next line of the dump";
-        output.erase(0, output.find('\n', start.size()) + 1);
+        EXPECT_EQ(text.substr(0, start.size()), start) << "must begin the next line of the dump";
+        text.erase(0, text.find('\n', start.size()) + 1);
     }
 }
 
