@@ -56,7 +56,7 @@ int runCommandLine(int argumentCount, const char* const* arguments) {
     }
     printOut("Be aware that this tool can have conflicting effects on different Zarnis builds!");
     std::string word = arguments[1];
-    std::ranges::transform(word, word.begin(), toLowerCase);
+    std::transform(word.begin(), word.end(), word.begin(), toLowerCase);
     for (const Command& command : commands) {
         if (word == command.word) return command.operation(argumentCount, arguments);
     }

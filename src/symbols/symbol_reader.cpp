@@ -99,7 +99,7 @@ void enterWorldFlags(TokenList& tokens) {
     for (auto start = tokens.begin(); start != tokens.end();) {
         const auto stop = std::find(start, tokens.end(), statementEnd);
         if (start != stop) {
-            const Flag flag{sumOfTerms({start, stop}), 1};
+            const Flag flag{sumOfTerms({&*start, static_cast<std::size_t>(stop - start)}), 1};
             entry = worldFlagTable.insert_or_assign(entry, std::move(*start), flag);
         }
         start = std::next(stop);  // a list always ends with ";"

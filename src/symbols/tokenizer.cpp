@@ -34,6 +34,11 @@ struct Tokens {
     bool isPending = false;  // whether more bytes may be appended to the last token
 };
 
+/// The bytes in [first, last).
+std::string_view textBetween(const char* first, const char* last) {
+    return {first, static_cast<std::size_t>(last - first)};
+}
+
 void append(Tokens& tokens, std::string_view bytes) {
     if (bytes.empty()) return;
     if (tokens.isPending) {
@@ -55,7 +60,7 @@ void endStatement(Tokens& tokens) {
 const char* takeQuoted(const char* at, const char* end, Tokens& tokens) {
     for (;;) {
         const char* const special = std::find_if(at, end, [](char byte) { return byte == '"' || byte == '\\'; });
-        append(tokens, {at, special});
+        append(tokens, textBetween(at, special));
         if (special == end) return end;
         at = special + 1;
         if (*special == '"') return at;
@@ -70,7 +75,7 @@ const char* takeQuoted(const char* at, const char* end, Tokens& tokens) {
 }
 
 bool startsWith(const char* at, const char* end, std::string_view marker) {
-    return std::string_view(at, end).starts_with(marker);
+    return textBetween(at, end).starts_with(marker);
 }
 
 /// Skips the marker at `at` and the one byte that follows it.
@@ -130,7 +135,7 @@ TokenList scan(std::string_view text, const char* (*skipNumberSign)(const char* 
         switch (classOf(*start)) {
             case ByteClass::ordinary:
                 at = std::find_if(at, end, [](char byte) { return classOf(byte) != ByteClass::ordinary; });
-                append(tokens, {start, at});
+                append(tokens, textBetween(start, at));
                 break;
             case ByteClass::blank:
                 tokens.isPending = false;
