@@ -1,0 +1,3 @@
+import { stashkeep } from "./program.js";
+
+globalThis.stashkeep = stashkeep;

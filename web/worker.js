@@ -1,0 +1,80 @@
+// The worker: runs the program once for each message, in a fresh instance with a file system of its own. It follows
+// Emscripten's script in the worker's text.
+/* global createProgram */
+
+const folder = "/files/"; // the program's current folder, which has only the given files at the start
+
+const nameOf = (path) => (path.startsWith(folder) ? path.slice(folder.length) : path);
+
+function putFile(FS, name, bytes) {
+  const path = folder + name;
+  try {
+    FS.mkdirTree(path.slice(0, path.lastIndexOf("/")));
+    FS.writeFile(path, bytes, { canOwn: true });
+  } catch {
+    throw new Error(`"${name}" cannot be the name of a file beside the others.`);
+  }
+}
+
+/** Standard output becomes a file, which takes every byte as it is. */
+function redirectOutput(FS) {
+  const standardOutput = 1;
+  FS.close(FS.getStream(standardOutput));
+  FS.open("/output", "w"); // gets the lowest free number
+}
+
+/** Collects the paths of the files that the program opens, and of those that it does not find. */
+function watchOpening(FS, opened, missing) {
+  const open = FS.open;
+  FS.open = (path, ...rest) => {
+    try {
+      const stream = open(path, ...rest);
+      opened.add(stream.path);
+      return stream;
+    } catch (error) {
+      if (!FS.analyzePath(path).exists) missing.add(path);
+      throw error;
+    }
+  };
+}
+
+/** Runs the command line; `files` are pairs of name and bytes, which the program may keep and change. */
+async function run({ module, args, files }) {
+  const program = await createProgram({
+    stdin: () => null, // at its end
+    instantiateWasm(imports, done) {
+      WebAssembly.instantiate(module, imports).then(done);
+      return {};
+    },
+  });
+  const { FS } = program;
+  FS.mkdir(folder);
+  FS.chdir(folder);
+  for (const [name, bytes] of files) putFile(FS, name, bytes);
+  redirectOutput(FS);
+  const opened = new Set();
+  const missing = new Set();
+  watchOpening(FS, opened, missing);
+  const exitStatus = program.callMain(args);
+  program._fflush(0);
+
+  const created = [...opened].filter((path) => path.startsWith(folder)).map(nameOf);
+  const names = [...new Set([...files.map(([name]) => name), ...created])];
+  const remaining = names.filter((name) => FS.isFile(FS.stat(folder + name).mode));
+  return {
+    exitStatus,
+    output: FS.readFile("/output"),
+    files: remaining.map((name) => [name, FS.readFile(folder + name)]),
+    missing: [...missing].map(nameOf),
+  };
+}
+
+onmessage = async ({ data }) => {
+  try {
+    const result = await run(data);
+    const buffers = [result.output, ...result.files.map(([, bytes]) => bytes)].map((bytes) => bytes.buffer);
+    postMessage(result, buffers);
+  } catch (error) {
+    postMessage({ failure: error instanceof Error ? error.message : `The program threw ${error}.` });
+  }
+};
