@@ -9,7 +9,16 @@ import { gzipSync } from "node:zlib";
 const [emscriptenScript, wasmModule, examplesFolder, output] = process.argv.slice(2);
 
 // Each may import from those before it. In the page they are one script, which needs no imports.
-const modules = ["program.js", "page.js"];
+const modules = [
+  "program.js",
+  "report.js",
+  "media.js",
+  "choices.js",
+  "reading.js",
+  "elements.js",
+  "views.js",
+  "page.js",
+];
 const examples = [
   "disc2.d64",
   "disc3.d64",
