@@ -76,12 +76,16 @@ export function exchangeRoles(roles, id, role) {
   return exchanged.set(id, role);
 }
 
-/** The pairs of floppy images: side, image of disc 2 and image of disc 3, one of which may be missing. */
+/** The pairs of floppy images: the side, the files of disc 2 and disc 3, one of which may be missing, and whether both are the same. */
 export function findPairsByRole(floppies, roles) {
   const withRole = (role) => floppies.find(({ id }) => roles.get(id) === role);
   return ["first", "second"]
     .map((side) => ({ side, disc2: withRole(`${side}2`), disc3: withRole(`${side}3`) }))
-    .filter(({ disc2, disc3 }) => disc2 || disc3);
+    .filter(({ disc2, disc3 }) => disc2 || disc3)
+    .map((pair) => ({
+      ...pair,
+      isSame: pair.disc2 && pair.disc3 && isEqual(pair.disc2.image.bytes, pair.disc3.image.bytes),
+    }));
 }
 
 /** What is wrong with a savegame so that it should be moved only if the person wants that. */
@@ -89,7 +93,7 @@ export function findConcerns(savegame) {
   const pages = ["part 1 (the flags)", "part 2 (money, lives and items)"];
   return savegame.discs.flatMap(({ state, damagedPages }, i) => {
     const disc = `Disc ${i + 2}`;
-    if (state === "none") return `${disc} has no valid savegame. The savegame of the other disc is there.`;
+    if (state === "none") return `Only disc ${3 - i} has a savegame; ${disc.toLowerCase()} has none.`;
     return damagedPages.map((page) => `${disc}: the checksum of ${pages[page]} is wrong. This part is damaged.`);
   });
 }
@@ -102,9 +106,9 @@ function onlyOne(elements) {
 /** All media among the files, with their savegames; `readPair` reads that of two floppy images. */
 async function findMedia(files, pairs, readPair) {
   const media = [];
-  for (const { side, disc2, disc3 } of pairs.filter((pair) => pair.disc2 && pair.disc3)) {
+  for (const { side, disc2, disc3, isSame } of pairs.filter((pair) => pair.disc2 && pair.disc3)) {
     const medium = pairOf(disc2.image, disc3.image);
-    const refusal = isEqual(disc2.image.bytes, disc3.image.bytes) ? sameDiscs : undefined;
+    const refusal = isSame ? sameDiscs : undefined;
     media.push({ key: side, medium, savegame: await readPair(disc2, disc3), refusal, canTake: true });
   }
   for (const { id, kind, medium, savegame, canTake = false } of files) {

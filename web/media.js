@@ -155,7 +155,8 @@ function requireEqualFiles(medium, otherMedium) {
  * Puts the savegame of the source into copies of the target's files. Two comparisons prove it: the savegame comes out of
  * the copies as it was put in, and with their old savegame put back the copies equal the target.
  *
- * @returns {Promise<{name: string, bytes: Uint8Array, oldName: string, changedBytes: number}[]>} the new files
+ * @returns {Promise<{name: string, bytes: Uint8Array, oldName: string, tailSize: number,
+ *     changedBytes: number}[]>} the new files
  */
 export async function transfer(run, source, target) {
   const data = await extract(run, source);
@@ -167,6 +168,7 @@ export async function transfer(run, source, target) {
     name,
     bytes: concatenate(bytes, tail),
     oldName: target.files[i].name,
+    tailSize: tail.length,
     changedBytes: countDifferences(bytes, target.files[i].bytes),
   }));
 }

@@ -5,7 +5,7 @@ import { dataFileName, examine, hasSavegame, pairOf, readFlags, readSavegame, ta
 import { stashkeep } from "./program.js";
 import { exampleFiles, filesOfDrop, filesOfInput, readBytes } from "./reading.js";
 import { toText } from "./report.js";
-import { comparison, discNotes, fileItem, flagTables, programOutput, savegameReport, transferResult } from "./views.js";
+import { comparison, discNotes, fileList, flagTables, programOutput, savegameReport, transferResult } from "./views.js";
 
 let files = []; // what the person gave, each with an id, a path, a size, and what `examine` says
 const choices = { roles: new Map(), from: undefined, into: undefined, shown: undefined, isAccepted: false, search: "" };
@@ -139,7 +139,7 @@ function addFiles(given) {
     choices.isAccepted = false;
     const all = await given;
     for (const file of all) await addFile(file);
-    return `${all.length} ${all.length === 1 ? "file" : "files"} added.`;
+    return `${all.length === 1 ? "One file" : `${all.length} files`} added.`;
   });
 }
 
@@ -174,8 +174,9 @@ function saveFile({ name, bytes }) {
 // What is shown
 
 function renderFiles() {
-  const items = files.map((file) => fileItem(file, plan, { onrole: giveRole, onremove: removeFile }));
-  byId("file-list").replaceChildren(...items);
+  const isOpen = byId("sources")?.open ?? false;
+  byId("file-list").replaceChildren(...fileList(files, plan, { onrole: giveRole, onremove: removeFile }));
+  if (byId("sources")) byId("sources").open = isOpen;
   byId("discs").replaceChildren(...discNotes(plan, (disc2, { id }) => giveRole({ id }, plan.roles.get(disc2.id))));
 }
 
@@ -206,6 +207,9 @@ function renderMove() {
   const { media, fromOptions, intoOptions, from, into } = plan;
   byId("move").hidden = media.length === 0;
   const parts = [radioGroup("from", "From", fromOptions, from?.key, (key) => choose(() => (choices.from = key)))];
+  if (media.length > 0 && fromOptions.every(({ refusal }) => refusal)) {
+    parts.push(paragraph(fromOptions[0].refusal, "warning"));
+  }
   if (from) parts.push(radioGroup("into", "Into", intoOptions, into?.key, (key) => choose(() => (choices.into = key))));
   if (from && into) {
     const concerns = findConcerns(from.savegame);
@@ -286,9 +290,14 @@ function start() {
   }
   byId("examples-button").onclick = () => addFiles(exampleFiles());
   byId("log-details").ontoggle = renderLog;
-  addEventListener("dragover", (event) => event.preventDefault());
+  addEventListener("dragover", (event) => {
+    event.preventDefault();
+    document.body.classList.add("dragging");
+  });
+  addEventListener("dragleave", ({ relatedTarget }) => relatedTarget ?? document.body.classList.remove("dragging"));
   addEventListener("drop", (event) => {
     event.preventDefault();
+    document.body.classList.remove("dragging");
     addFiles(filesOfDrop(event.dataTransfer));
   });
 }

@@ -16,27 +16,31 @@ const partNames = ["part 1 (flags)", "part 2 (money, lives, items)"];
 function describeState({ state, damagedPages }) {
   if (state === "none") return "no savegame";
   if (state === "good") return "savegame, checksums right";
-  return `savegame, but ${damagedPages.map((page) => partNames[page]).join(" and ")} damaged: wrong checksum`;
+  return `savegame, ${damagedPages.map((page) => partNames[page]).join(" and ")} damaged (wrong checksum)`;
 }
 
 function countUsedItems({ inventory }) {
   return inventory.filter(({ isUsed }) => isUsed).length;
 }
 
-function describeDisc(disc) {
-  if (disc.state === "none") return describeState(disc);
-  const { fields } = disc;
-  return `${describeState(disc)}; money ${fields.get("money")}, lives ${fields.get("lives")}, items ${countUsedItems(disc)}`;
+function stateBadge(disc) {
+  return element("span", { className: `badge ${disc.state}` }, describeState(disc));
 }
 
-function describeContents(file) {
-  if (file.kind === "floppy") return [paragraph(describeDisc(file.disc))];
-  if (!file.savegame) return [];
-  return file.savegame.discs.map((disc, i) => paragraph(`Disc ${i + 2}: ${describeDisc(disc)}`));
+/** What a disc holds, at a glance. */
+function discSummary(disc, title = "") {
+  const { state, fields } = disc;
+  const values = [`Money ${fields.get("money")}`, `lives ${fields.get("lives")}`, `items ${countUsedItems(disc)}`];
+  return element("p", { className: "summary" }, title, stateBadge(disc), state === "none" ? "" : values.join(", "));
+}
+
+function contentSummary(file) {
+  if (file.kind === "floppy") return [discSummary(file.disc)];
+  return (file.savegame?.discs ?? []).map((disc, i) => discSummary(disc, `Disc ${i + 2}`));
 }
 
 export function programOutput(output) {
-  return output && element("div", {}, paragraph("The program says:"), element("pre", {}, output));
+  return element("div", {}, paragraph("The program says:", "kind"), element("pre", {}, output));
 }
 
 function roleSelect(file, plan, onrole) {
@@ -50,37 +54,63 @@ function roleSelect(file, plan, onrole) {
   return select(`role-${file.id}`, "Used as", [...options, ["", "not used"]], plan.roles.get(file.id), onrole);
 }
 
+function removeButton(file, onremove) {
+  return button(`remove-${file.id}`, "Remove", () => onremove(file), { "aria-label": `Remove ${file.path}` });
+}
+
 /** A file in the list: what it is, what it holds, what it is used as. */
-export function fileItem(file, plan, { onrole, onremove }) {
+function fileItem(file, plan, { onrole, onremove }) {
   const tail = file.image?.tail.length ?? 0;
+  const tailNote =
+    `Its last ${tail} bytes are error bytes. The image is used without them, and a new image gets them back unchanged at ` +
+    "its end.";
   return element(
     "li",
     { className: `file ${file.kind}` },
-    element("h3", {}, file.path),
+    element("div", { className: "file-head" }, element("h3", {}, file.path), removeButton(file, onremove)),
     paragraph(`${kindNames[file.kind]}, ${formatSize(file.size)}`, "kind"),
-    describeContents(file),
-    tail > 0
-      ? paragraph(
-          `Its last ${tail} bytes are error bytes. The image is used without them, and a new image gets them back ` +
-            "unchanged at its end.",
+    contentSummary(file),
+    tail > 0 ? paragraph(tailNote) : "",
+    file.problem ? paragraph(file.problem) : "",
+    file.output ? programOutput(file.output) : "",
+    roleSelect(file, plan, (role) => onrole(file, role)),
+  );
+}
+
+/** The list of files; the sources, which tend to be many, are folded. */
+export function fileList(files, plan, actions) {
+  const items = (isListed) => files.filter(isListed).map((file) => fileItem(file, plan, actions));
+  const sources = items(({ kind }) => kind === "source");
+  const media = items(({ kind }) => kind !== "source");
+  const title = `Sources of the game, and other texts: ${sources.length}`;
+  return [
+    element("ul", { className: "files" }, media),
+    sources.length > 0
+      ? element(
+          "details",
+          { id: "sources" },
+          element("summary", {}, title),
+          element("ul", { className: "files" }, sources),
         )
       : "",
-    file.problem ? paragraph(file.problem, "warning") : "",
-    programOutput(file.output) ?? "",
-    roleSelect(file, plan, (role) => onrole(file, role)),
-    button(`remove-${file.id}`, "Remove", () => onremove(file), { "aria-label": `Remove ${file.path}` }),
-  );
+  ];
 }
 
 /** What is known about the floppy images together: which disc is missing, and that the order is a guess. */
 export function discNotes(plan, onswap) {
   const sides = sideNames(plan);
-  return plan.pairs.map(({ side, disc2, disc3 }) => {
+  return plan.pairs.map(({ side, disc2, disc3, isSame }) => {
     const which = plan.pairs.length > 1 ? ` of the ${sides[side]}` : "";
     if (!disc2 || !disc3) {
       const given = disc2 ?? disc3;
       return paragraph(
         `Disc ${disc2 ? 3 : 2}${which} is missing: ${given.path} is one floppy image of two. Please add the other one.`,
+        "warning",
+      );
+    }
+    if (isSame) {
+      return paragraph(
+        `${disc2.path} and ${disc3.path} are the same file: one of them is the wrong disc. Nothing can be moved with them.`,
         "warning",
       );
     }
@@ -112,47 +142,57 @@ export function comparison(from, into) {
   return table(`${into.title} holds a savegame already`, ["", "There now", "After the transfer"], rows);
 }
 
-/** The result of a transfer: what was compared, the buttons to save it, and what to do next. */
-export function transferResult({ files, from, into }, onsave) {
-  const isDataFile = into.key === "data";
-  const plural = files.length > 1;
-  const proofs = isDataFile
-    ? [`Put back into a copy of ${from.title}, the data file gives exactly ${from.title} again.`]
-    : [
-        "All 1,024 bytes of the savegame are equal: what was put in comes out again.",
-        ...files.map(
-          ({ name, bytes, oldName, changedBytes }) =>
-            `In ${name}, ${changedBytes} of ${formatSize(bytes.length)} differ from ${oldName}.`,
-        ),
-        `With the old savegame put back, ${plural ? "they equal" : "it equals"} ${into.title}: nothing else has changed.`,
-      ];
-  const steps = isDataFile
-    ? ["Keep the file: it holds the whole savegame, and this page can put it into an image at any time."]
-    : [
-        "Close the emulator first. When it ends, it may write its own contents over a file.",
-        `In the emulator, use the new ${plural ? "images" : "image"} in place of ${into.title}.`,
-        `Keep ${into.title} until the game has loaded the savegame.`,
-      ];
+/** What the comparisons of a transfer have shown. */
+function proofsOf({ files, from, into }) {
+  if (into.key === "data") {
+    return [
+      `Put back into a copy of ${from.title}, the data file gives exactly ${from.title}: nothing is missing in it.`,
+    ];
+  }
+  return [
+    "All 1,024 bytes of the savegame are equal: what was put in comes out again.",
+    ...files.map(
+      ({ name, bytes, oldName, changedBytes, tailSize }) =>
+        `${changedBytes} of ${formatSize(bytes.length)} changed between ${oldName} and ${name}.` +
+        (tailSize > 0 ? ` Its last ${tailSize} bytes are the error bytes of ${oldName}, unchanged.` : ""),
+    ),
+    `With the old savegame put back, ${files.length > 1 ? "they equal" : "it equals"} ${into.title}: nothing else has changed.`,
+  ];
+}
+
+function nextSteps({ files, into }) {
+  if (into.key === "data") {
+    return ["Keep the file: it holds the whole savegame. Given to this page, it can be put into an image at any time."];
+  }
+  return [
+    "Close the emulator first. When it ends, it may write its own contents over a file.",
+    `In the emulator, use the new ${files.length > 1 ? "images" : "image"} in place of ${into.title}.`,
+    `Keep ${into.title} until the game has loaded the savegame.`,
+  ];
+}
+
+/** What a transfer has made: what was compared, the buttons to save it, and what to do next. */
+export function transferResult(made, onsave) {
+  const names = made.files.map(({ name }) => name).join(" and ");
+  const hasFloppies = [made.from, made.into].some(({ medium }) => medium?.command === "d64");
+  const unchecked = [
+    hasFloppies ? "whether disc 2 and disc 3 are in the right order, and " : "",
+    "whether the game loads it",
+  ];
   const items = (texts) => texts.map((text) => element("li", {}, text));
   return element(
     "div",
     { className: "success" },
-    element(
-      "h3",
-      { id: "result-heading", tabIndex: -1 },
-      `Compared and ready to be saved: ${files.map(({ name }) => name).join(" and ")}`,
-    ),
-    element("ul", {}, items(proofs)),
+    element("h3", { id: "result-heading", tabIndex: -1 }, `Compared and ready to be saved: ${names}`),
+    element("ul", {}, items(proofsOf(made))),
+    paragraph(`Not checked: ${unchecked.join("")}.`),
     element(
       "p",
       { className: "buttons" },
-      files.map((file, i) => button(`save-${i}`, `Save ${file.name}`, () => onsave(file), { className: "main" })),
+      made.files.map((file, i) => button(`save-${i}`, `Save ${file.name}`, () => onsave(file), { className: "main" })),
     ),
     element("h4", {}, "What to do next"),
-    element("ol", {}, items(steps)),
-    paragraph(
-      "Not checked: whether the floppy images are disc 2 and disc 3 in this order, and whether the game loads the savegame.",
-    ),
+    element("ol", {}, items(nextSteps(made))),
   );
 }
 
@@ -185,18 +225,28 @@ function slotTables(disc, title) {
   ];
 }
 
+/** The values whose meaning is known, in this order. The others keep the names of the report. */
+const valueNames = {
+  money: "Money",
+  lives: "Lives",
+  maxLives: "Lives at most",
+  inventoryCount: "Items in the inventory",
+  savepointId: "Save point",
+};
+const shownAsState = ["validsavegame", "checkSumPage0", "checkSumPage1"];
+
 /** The values of both discs side by side, and the items of each. */
 export function savegameReport({ discs }) {
-  const names = [...discs[0].fields.keys()].filter((name) => !/^(validsavegame|checkSum)/.test(name));
+  const hasOtherPlace = (name) => shownAsState.includes(name) || name in valueNames;
+  const otherNames = [...discs[0].fields.keys()].filter((name) => !hasOtherPlace(name));
+  const row = (name, title) => [title, ...discs.map(({ fields }) => fields.get(name))];
+  const rows = [
+    ...Object.entries(valueNames).map(([name, title]) => row(name, title)),
+    ...otherNames.map((name) => row(name, name)),
+  ];
   return [
-    table(
-      "Values",
-      ["", "Disc 2", "Disc 3"],
-      [
-        ["savegame", ...discs.map(describeState)],
-        ...names.map((name) => [name, ...discs.map(({ fields }) => fields.get(name))]),
-      ],
-    ),
+    ...discs.map((disc, i) => paragraph([`Disc ${i + 2} `, stateBadge(disc)])),
+    table("Values", ["", "Disc 2", "Disc 3"], rows),
     element(
       "div",
       { className: "columns" },
