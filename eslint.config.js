@@ -56,5 +56,6 @@ export default [
     },
   },
   { files: ["web/worker.js"], languageOptions: { globals: globals.worker } },
-  { files: ["web/*.mjs", "tests/web/*.mjs"], languageOptions: { globals: globals.node } },
+  { files: ["web/*.mjs", "tests/web/*.mjs", "bench/*.mjs"], languageOptions: { globals: globals.node } },
+  { files: ["tests/web/*.mjs", "bench/*.mjs"], languageOptions: { globals: globals.browser } }, // in calls in the page
 ];

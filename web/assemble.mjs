@@ -4,6 +4,7 @@
 import { createHash } from "node:crypto";
 import { readFileSync, writeFileSync } from "node:fs";
 import { join } from "node:path";
+import { Script } from "node:vm";
 import { gzipSync } from "node:zlib";
 
 const [emscriptenScript, wasmModule, examplesFolder, output] = process.argv.slice(2);
@@ -46,6 +47,7 @@ function inScriptElement(text) {
 }
 
 const script = `\n${modules.map((name) => withoutModuleSyntax(source(name))).join("\n")}`;
+new Script(`"use strict"; {${script}}`); // throws if two modules have the same name for something
 const style = `\n${source("page.css")}`;
 const compressed = (name) => [name, base64(gzipSync(readFileSync(join(examplesFolder, name)), { level: 9 }))];
 const policy = [

@@ -98,9 +98,12 @@ export function findConcerns(savegame) {
   });
 }
 
-/** The single element that fits, if there is just one. */
-function onlyOne(elements) {
-  return elements.length === 1 ? elements[0] : undefined;
+/** The possible option with this key or, if there is none, the only possible one of the likely options. */
+function choose(options, key, likelyOptions) {
+  const isPossible = ({ refusal }) => refusal === undefined;
+  const [first, ...others] = likelyOptions.filter(isPossible);
+  const only = others.length === 0 ? first : undefined;
+  return options.filter(isPossible).find((option) => option.key === key) ?? only;
 }
 
 /** All media among the files, with their savegames; `readPair` reads that of two floppy images. */
@@ -131,11 +134,7 @@ export async function makePlan(files, choices, readPair) {
     ...entry,
     refusal: entry.refusal ?? (hasSavegame(entry.savegame) ? undefined : savedNothing),
   }));
-  const choose = (options, key, preferred) => {
-    const possible = options.filter(({ refusal }) => refusal === undefined);
-    return possible.find((option) => option.key === key) ?? onlyOne(possible.filter(preferred)) ?? onlyOne(possible);
-  };
-  const from = choose(fromOptions, choices.from, () => true);
+  const from = choose(fromOptions, choices.from, fromOptions);
   const intoOptions = media
     .filter(({ key, medium }) => key !== from?.key && medium.command !== "")
     .map((entry) => ({
@@ -143,7 +142,8 @@ export async function makePlan(files, choices, readPair) {
       refusal: entry.refusal ?? (entry.canTake ? undefined : "There is no place for a savegame."),
     }));
   if (from && from.medium.command !== "") intoOptions.push({ key: "data", title: "a savegame data file" });
-  const into = from && choose(intoOptions, choices.into, ({ key }) => key !== "data");
+  const images = intoOptions.filter(({ key }) => key !== "data");
+  const into = from && choose(intoOptions, choices.into, images.length > 0 ? images : intoOptions);
   const roles = new Map([...floppyRolesById, ...assignSources(ofKind("source"), choices.roles)]);
   return { roles, pairs, media, fromOptions, intoOptions, from, into };
 }

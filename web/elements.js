@@ -15,6 +15,11 @@ export function paragraph(text, className = "") {
   return element("p", { className }, text);
 }
 
+/** A name with places where a line may break. */
+export function withBreaks(name) {
+  return name.split(/(?<=_)|(?<=[a-z])(?=[A-Z])/).flatMap((part) => [part, element("wbr")]);
+}
+
 export function button(id, text, onclick, properties = {}) {
   return element("button", { type: "button", id, onclick, ...properties }, text);
 }

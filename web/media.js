@@ -81,13 +81,15 @@ async function keepsSavegame(run, medium) {
   return files[dataFileName] !== undefined && isEqual(files[dataFileName], marked);
 }
 
-/** A text has no control characters but white space. */
+/** A text has no control characters but white space, and most of it is ASCII: unused memory may be full of 255. */
 function isText(bytes) {
   const whiteSpace = [9, 10, 12, 13];
+  let asciiCount = 0;
   for (const byte of bytes) {
     if (byte < 32 && !whiteSpace.includes(byte)) return false;
+    if (byte < 128) ++asciiCount;
   }
-  return bytes.length > 0;
+  return asciiCount > bytes.length / 2;
 }
 
 export function pairOf(disc2, disc3) {

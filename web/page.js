@@ -125,7 +125,7 @@ function enqueue(change) {
 }
 
 /** Anything that was made belongs to the choices of before. */
-function choose(change) {
+function changeChoice(change) {
   enqueue(() => {
     made = undefined;
     choices.isAccepted = false;
@@ -144,14 +144,14 @@ function addFiles(given) {
 }
 
 function removeFile(removed) {
-  choose(() => {
+  changeChoice(() => {
     files = files.filter((file) => file !== removed);
     choices.roles.delete(removed.id);
   });
 }
 
 function giveRole({ id }, role) {
-  choose(() => (choices.roles = exchangeRoles(plan.roles, id, role)));
+  changeChoice(() => (choices.roles = exchangeRoles(plan.roles, id, role)));
 }
 
 function makeFiles() {
@@ -204,13 +204,15 @@ function concernBox(concerns) {
 }
 
 function renderMove() {
-  const { media, fromOptions, intoOptions, from, into } = plan;
-  byId("move").hidden = media.length === 0;
-  const parts = [radioGroup("from", "From", fromOptions, from?.key, (key) => choose(() => (choices.from = key)))];
-  if (media.length > 0 && fromOptions.every(({ refusal }) => refusal)) {
-    parts.push(paragraph(fromOptions[0].refusal, "warning"));
+  const { fromOptions, intoOptions, from, into } = plan;
+  byId("move").hidden = fromOptions.length === 0;
+  const parts = [radioGroup("from", "From", fromOptions, from?.key, (key) => changeChoice(() => (choices.from = key)))];
+  const refusals = new Set(fromOptions.map(({ refusal }) => refusal));
+  if (!refusals.has(undefined)) parts.push(...[...refusals].map((refusal) => paragraph(refusal, "warning")));
+  if (from && intoOptions.length === 0) parts.push(paragraph("Add the image that the savegame shall move into."));
+  if (intoOptions.length > 0 && from) {
+    parts.push(radioGroup("into", "Into", intoOptions, into?.key, (key) => changeChoice(() => (choices.into = key))));
   }
-  if (from) parts.push(radioGroup("into", "Into", intoOptions, into?.key, (key) => choose(() => (choices.into = key))));
   if (from && into) {
     const concerns = findConcerns(from.savegame);
     if (into.savegame && hasSavegame(into.savegame)) parts.push(comparison(from, into));
@@ -223,14 +225,15 @@ function renderMove() {
 
 function flagProblems({ flags, given, absent, missing = [], output }) {
   const problems = [];
+  const hasFailed = output !== undefined && !flags;
   if (given > 0 && absent.length > 0) problems.push(`For the flags, these sources are missing: ${absent.join(", ")}.`);
   if (missing.length > 0) problems.push(`Looked for and not found: ${missing.join(", ")}.`);
-  if (output !== undefined && !flags) problems.push("A source could not be read, so there are no flags.");
+  if (hasFailed) problems.push("A source could not be read, so there are no flags.");
   if (flags?.game.length === 0) problems.push("No game flags were found: is the right file used as scr_flags.asm?");
   if (flags?.world.length === 0)
     problems.push("No world flags were found: is the right file used as scr_globaldefines.asm?");
   const parts = problems.map((text) => paragraph(text, "warning"));
-  return output !== undefined && !flags ? [...parts, programOutput(output)] : parts;
+  return hasFailed ? [...parts, programOutput(output)] : parts;
 }
 
 function flagSearch(flags) {

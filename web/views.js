@@ -1,6 +1,6 @@
 // The parts of the page that follow from files and choices. Each function makes elements, and knows no state.
 import { floppyRoles, sideNames, sourceRoles } from "./choices.js";
-import { button, element, paragraph, select, table } from "./elements.js";
+import { button, element, paragraph, select, table, withBreaks } from "./elements.js";
 import { formatSize } from "./media.js";
 
 const kindNames = {
@@ -11,6 +11,7 @@ const kindNames = {
   refused: "Cannot be used",
 };
 
+const discColumns = ["Disc\u00a02", "Disc\u00a03"];
 const partNames = ["part 1 (flags)", "part 2 (money, lives, items)"];
 
 function describeState({ state, damagedPages }) {
@@ -139,7 +140,7 @@ export function comparison(from, into) {
       row("items", (side) => (side.state === "none" ? "–" : String(countUsedItems(side)))),
     ];
   });
-  return table(`${into.title} holds a savegame already`, ["", "There now", "After the transfer"], rows);
+  return table(`${into.title} holds a savegame already`, ["Value", "There now", "After the transfer"], rows);
 }
 
 /** What the comparisons of a transfer have shown. */
@@ -204,7 +205,7 @@ function slotTable(caption, slots) {
   return table(
     caption,
     ["Slot", "Item", "Count"],
-    slots.map((slot) => [slot.slot, itemName(slot), slot.count]),
+    slots.map((slot) => [slot.slot, withBreaks(itemName(slot)), slot.count]),
   );
 }
 
@@ -218,7 +219,7 @@ function slotTables(disc, title) {
     element(
       "details",
       {},
-      element("summary", {}, `${unused.length} inventory slots that are not in use`),
+      element("summary", {}, `Inventory slots that are not in use: ${unused.length}`),
       slotTable(`${title}: not in use`, unused),
     ),
     slotTable(`${title}: chest`, disc.chest),
@@ -242,11 +243,11 @@ export function savegameReport({ discs }) {
   const row = (name, title) => [title, ...discs.map(({ fields }) => fields.get(name))];
   const rows = [
     ...Object.entries(valueNames).map(([name, title]) => row(name, title)),
-    ...otherNames.map((name) => row(name, name)),
+    ...otherNames.map((name) => row(name, withBreaks(name))),
   ];
   return [
     ...discs.map((disc, i) => paragraph([`Disc ${i + 2} `, stateBadge(disc)])),
-    table("Values", ["", "Disc 2", "Disc 3"], rows),
+    table("Values", ["Value", ...discColumns], rows),
     element(
       "div",
       { className: "columns" },
@@ -264,7 +265,7 @@ export function flagTables(flags, text) {
     ["World flags", flags.world],
   ].map(([title, all]) => {
     const found = all.filter(fits);
-    const rows = found.map(({ name, values }) => [name, ...values]);
-    return table(`${title}: ${found.length} of ${all.length}`, ["", "Disc 2", "Disc 3"], rows);
+    const rows = found.map(({ name, values }) => [withBreaks(name), ...values]);
+    return table(`${title}: ${found.length} of ${all.length}`, ["Flag", ...discColumns], rows);
   });
 }
