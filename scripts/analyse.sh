@@ -1,15 +1,19 @@
 #!/usr/bin/env bash
-# Static analysis: clang-format, clang-tidy, cppcheck and shellcheck. Any finding is an error.
+# Static analysis: clang-format, clang-tidy, cppcheck and shellcheck, and for the page prettier and eslint. Any finding is
+# an error.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
 scripts/install.sh cmake ninja-build g++ clang clang-format clang-tidy cppcheck shellcheck libgtest-dev libbenchmark-dev
+scripts/install_npm.sh
 mapfile -t sources < <(git ls-files '*.cpp')
 mapfile -t headers < <(git ls-files '*.h')
 mapfile -t scripts < <(git grep -lE '^#!.*(bash|sh)$')
 
 clang-format --dry-run --Werror "${sources[@]}" "${headers[@]}"
 shellcheck "${scripts[@]}"
+npx prettier --check web tests/web '*.js' '*.json'
+npx eslint --max-warnings 0 .
 # Unlike cppcheck, clang-tidy's bugprone-exception-escape sees which exceptions are caught.
 cppcheck --quiet --error-exitcode=1 --std=c++20 --language=c++ --enable=warning,performance,portability \
     --suppress=throwInNoexceptFunction -Isrc src

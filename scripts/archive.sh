@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Packs what a build installs into one folder: scripts/archive.sh BUILD_FOLDER ARCHIVE.tar.gz|ARCHIVE.zip
+# Packs what a build installs and the page into one folder: scripts/archive.sh BUILD_FOLDER ARCHIVE.tar.gz|ARCHIVE.zip
 # A ZIP also contains the media of the examples, since Windows cannot run make_media.sh.
 # Order, times, owner and modes are fixed, so that equal builds give equal archives.
 set -euo pipefail
@@ -10,12 +10,14 @@ cd "$(dirname "$0")/.."
 sources=$PWD
 
 scripts/install.sh cmake dpkg-dev zip
+scripts/page.sh
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 folder=$(basename "${archive%.zip}" .tar.gz)
 SOURCE_DATE_EPOCH=$(dpkg-parsechangelog -l debian/changelog -S Timestamp)
 export SOURCE_DATE_EPOCH TZ=UTC LC_ALL=C # strip writes the time into a program for Windows
 cmake --install "$build" --strip --prefix "$work/$folder" >/dev/null
+cp out/packages/stashkeep.html "$work/$folder"
 if [[ $archive == *.zip ]]; then
     cd "$work/$folder/examples"
     sh "$sources/examples/make_media.sh"

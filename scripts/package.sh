@@ -1,11 +1,12 @@
 #!/usr/bin/env bash
-# Makes the packages in out/packages/: a .deb, a .tar.gz with a static program, and a ZIP for Windows.
-# All are built twice and must be equal; lintian checks the .deb. Those for Linux are then unpacked and tried.
+# Makes the packages in out/packages/: a .deb, a .tar.gz with a static program, a ZIP for Windows, and the page, which the
+# archives contain. All are built twice and must be equal; lintian checks the .deb. Those for Linux are then unpacked and
+# tried.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
-scripts/install.sh build-essential cmake debhelper g++-mingw-w64-x86-64-posix libgtest-dev lintian man-db ninja-build \
-    strace zip
+scripts/install.sh build-essential cmake debhelper emscripten g++-mingw-w64-x86-64-posix libgtest-dev lintian man-db \
+    ninja-build node-acorn strace zip
 version=$(sed -n 's/^project(stashkeep VERSION \([0-9.]*\).*/\1/p' CMakeLists.txt)
 work=$(mktemp -d)
 
@@ -13,7 +14,7 @@ work=$(mktemp -d)
 build() (
     exec >"$work/log" 2>&1
     mkdir -p "$1/sources"
-    tar --exclude=./.git --exclude=./build --exclude=./out -c . | tar --no-same-permissions -xC "$1/sources"
+    tar --exclude=./.git --exclude=./build --exclude=./out --exclude=./node_modules -c . | tar --no-same-permissions -xC "$1/sources"
     cd "$1/sources"
     dpkg-buildpackage -us -uc -b
     cmake --preset release
@@ -22,6 +23,7 @@ build() (
     cmake --preset windows -DSTASHKEEP_TESTS=OFF
     cmake --build --preset windows
     scripts/archive.sh out/windows "../stashkeep-$version-windows-x86_64.zip"
+    cp out/packages/stashkeep.html ..
 )
 # On exit, also shows why a build failed.
 failed() {
@@ -43,7 +45,7 @@ fi
 trap 'rm -rf "$work"' EXIT
 rm -rf out/packages
 mkdir -p out/packages
-cp "$work"/first/{stashkeep_*.deb,*.tar.gz,*.zip} out/packages
+cp "$work"/first/{stashkeep_*.deb,*.tar.gz,*.zip,stashkeep.html} out/packages
 (cd out/packages && sha256sum -- *) | tee "$work/sums"
 (cd "$work/second/with/a/longer/path" && sha256sum -c "$work/sums")
 lintian --allow-root --display-info --pedantic --fail-on error,warning,info,pedantic "$work"/first/*.changes

@@ -12,17 +12,17 @@ const savedNothing = "There is no savegame here: save in the game first.";
 const sameDiscs = "Both discs are the same file.";
 
 /** The number of the disc that a name suggests, if any, and what the name has in common with that of the other discs. */
-function readDiscName(name) {
-  const stem = name.replace(/\.[^.]*$/, "").toLowerCase();
+function readDiscName(path) {
+  const [, folder, stem] = /^(.*\/)?(.*?)(?:\.[^.]*)?$/.exec(path.toLowerCase());
   const numbers = [...stem.matchAll(/(dis[ck]|side|^|\D)[\s_.-]*(?<number>[1-9])(?!\d)/g)];
   const best = numbers.find((match) => /^(dis[ck]|side)/.test(match[0])) ?? numbers.at(-1);
-  if (!best) return { series: stem };
+  if (!best) return { series: path };
   const at = best.index + best[0].length - 1;
-  return { number: Number(best.groups.number), series: `${stem.slice(0, at)}#${stem.slice(at + 1)}` };
+  return { number: Number(best.groups.number), series: `${folder}${stem.slice(0, at)}#${stem.slice(at + 1)}` };
 }
 
 function inOrderOfNames(files) {
-  return [...files].sort((a, b) => (a.name < b.name ? -1 : 1));
+  return [...files].sort((a, b) => (a.path < b.path ? -1 : 1));
 }
 
 /** Discs 2 and 3 with names of one series; those with a savegame first. */
@@ -38,7 +38,7 @@ function findPairs(floppies) {
 }
 
 /** The role of each floppy image by its id: the chosen ones, and a guess for the others. */
-export function assignFloppies(floppies, chosen) {
+function assignFloppies(floppies, chosen) {
   const roles = new Map(floppies.map(({ id }) => [id, chosen.get(id)]));
   const isFree = (role) => ![...roles.values()].includes(role);
   const isOpen = ({ id }) => roles.get(id) === undefined;
@@ -76,16 +76,18 @@ export function exchangeRoles(roles, id, role) {
   return exchanged.set(id, role);
 }
 
-/** The pairs of floppy images: the side, the files of disc 2 and disc 3, one of which may be missing, and whether both are the same. */
-export function findPairsByRole(floppies, roles) {
+/**
+ * The pairs of floppy images: the side, the files of disc 2 and disc 3, one of which may be missing, whether both have
+ * the same contents, and whether their roles are guessed.
+ */
+function findPairsByRole(floppies, roles, chosen) {
   const withRole = (role) => floppies.find(({ id }) => roles.get(id) === role);
-  return ["first", "second"]
-    .map((side) => ({ side, disc2: withRole(`${side}2`), disc3: withRole(`${side}3`) }))
-    .filter(({ disc2, disc3 }) => disc2 || disc3)
-    .map((pair) => ({
-      ...pair,
-      isSame: pair.disc2 && pair.disc3 && isEqual(pair.disc2.image.bytes, pair.disc3.image.bytes),
-    }));
+  return ["first", "second"].flatMap((side) => {
+    const [disc2, disc3] = [withRole(`${side}2`), withRole(`${side}3`)];
+    if (!disc2 && !disc3) return [];
+    const isSame = disc2 && disc3 && isEqual(disc2.image.bytes, disc3.image.bytes);
+    return { side, disc2, disc3, isSame, isGuess: !chosen.has(disc2?.id) };
+  });
 }
 
 /** What is wrong with a savegame so that it should be moved only if the person wants that. */
@@ -127,7 +129,7 @@ async function findMedia(files, pairs, readPair) {
 export async function makePlan(files, choices, readPair) {
   const ofKind = (kind) => files.filter((file) => file.kind === kind);
   const floppyRolesById = assignFloppies(ofKind("floppy"), choices.roles);
-  const pairs = findPairsByRole(ofKind("floppy"), floppyRolesById);
+  const pairs = findPairsByRole(ofKind("floppy"), floppyRolesById, choices.roles);
   const media = await findMedia(files, pairs, readPair);
 
   const fromOptions = media.map((entry) => ({

@@ -206,12 +206,20 @@ function concernBox(concerns) {
 function renderMove() {
   const { fromOptions, intoOptions, from, into } = plan;
   byId("move").hidden = fromOptions.length === 0;
-  const parts = [radioGroup("from", "From", fromOptions, from?.key, (key) => changeChoice(() => (choices.from = key)))];
+  const parts = [
+    radioGroup("from", "From: which savegame?", fromOptions, from?.key, (key) =>
+      changeChoice(() => (choices.from = key)),
+    ),
+  ];
   const refusals = new Set(fromOptions.map(({ refusal }) => refusal));
   if (!refusals.has(undefined)) parts.push(...[...refusals].map((refusal) => paragraph(refusal, "warning")));
   if (from && intoOptions.length === 0) parts.push(paragraph("Add the image that the savegame shall move into."));
   if (intoOptions.length > 0 && from) {
-    parts.push(radioGroup("into", "Into", intoOptions, into?.key, (key) => changeChoice(() => (choices.into = key))));
+    parts.push(
+      radioGroup("into", "Into: where shall it go?", intoOptions, into?.key, (key) =>
+        changeChoice(() => (choices.into = key)),
+      ),
+    );
   }
   if (from && into) {
     const concerns = findConcerns(from.savegame);

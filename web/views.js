@@ -100,7 +100,7 @@ export function fileList(files, plan, actions) {
 /** What is known about the floppy images together: which disc is missing, and that the order is a guess. */
 export function discNotes(plan, onswap) {
   const sides = sideNames(plan);
-  return plan.pairs.map(({ side, disc2, disc3, isSame }) => {
+  return plan.pairs.map(({ side, disc2, disc3, isSame, isGuess }) => {
     const which = plan.pairs.length > 1 ? ` of the ${sides[side]}` : "";
     if (!disc2 || !disc3) {
       const given = disc2 ?? disc3;
@@ -119,8 +119,8 @@ export function discNotes(plan, onswap) {
       "div",
       { className: "note" },
       paragraph(
-        `The images do not say which disc they are. By their names, this is a guess: ${disc2.path} is disc 2${which}, ` +
-          `${disc3.path} is disc 3.`,
+        `The images do not say which disc they are. ${isGuess ? "This is a guess from their names" : "As you have chosen"}: ` +
+          `${disc2.path} is disc 2${which}, and ${disc3.path} is disc 3.`,
       ),
       button(`swap-${side}`, `Swap disc 2 and disc 3${which}`, () => onswap(disc2, disc3)),
     );
