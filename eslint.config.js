@@ -56,6 +56,6 @@ export default [
     },
   },
   { files: ["web/worker.js"], languageOptions: { globals: globals.worker } },
-  { files: ["web/*.mjs", "tests/web/*.mjs", "bench/*.mjs"], languageOptions: { globals: globals.node } },
-  { files: ["tests/web/*.mjs", "bench/*.mjs"], languageOptions: { globals: globals.browser } }, // in calls in the page
+  { files: ["{web,tests/web,bench,scripts}/*.mjs"], languageOptions: { globals: globals.node } },
+  { files: ["{tests/web,bench,scripts}/*.mjs"], languageOptions: { globals: globals.browser } }, // in calls in the page
 ];

@@ -12,7 +12,7 @@ mapfile -t scripts < <(git grep -lE '^#!.*(bash|sh)$')
 
 clang-format --dry-run --Werror "${sources[@]}" "${headers[@]}"
 shellcheck "${scripts[@]}"
-npx prettier --check web tests/web '*.js' '*.json'
+npx prettier --check web tests/web scripts/*.mjs '*.js' '*.json'
 npx eslint --max-warnings 0 .
 # Unlike cppcheck, clang-tidy's bugprone-exception-escape sees which exceptions are caught.
 cppcheck --quiet --error-exitcode=1 --std=c++20 --language=c++ --enable=warning,performance,portability \

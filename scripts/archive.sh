@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Packs what a build installs and the page into one folder: scripts/archive.sh BUILD_FOLDER ARCHIVE.tar.gz|ARCHIVE.zip
-# A ZIP also contains the media of the examples, since Windows cannot run make_media.sh.
+# A ZIP also contains the media of the examples, since Windows cannot run make_media.sh, and its texts are plain text.
 # Order, times, owner and modes are fixed, so that equal builds give equal archives.
 set -euo pipefail
 mkdir -p "$(dirname "$2")"
@@ -19,6 +19,10 @@ export SOURCE_DATE_EPOCH TZ=UTC LC_ALL=C # strip writes the time into a program 
 cmake --install "$build" --strip --prefix "$work/$folder" >/dev/null
 cp out/packages/stashkeep.html "$work/$folder"
 if [[ $archive == *.zip ]]; then
+    scripts/install.sh pandoc
+    plainText=(pandoc --from gfm --to plain --columns 100 --eol crlf)
+    "${plainText[@]}" README.md -o "$work/$folder/README.txt"
+    "${plainText[@]}" docs/windows.md -o "$work/$folder/WINDOWS.txt"
     cd "$work/$folder/examples"
     sh "$sources/examples/make_media.sh"
 fi
