@@ -122,6 +122,9 @@ async function findMedia(files, pairs, readPair) {
   return media.map((entry) => ({ ...entry, title: entry.medium.files.map(({ name }) => name).join(" and ") }));
 }
 
+/** The plan without files. */
+export const emptyPlan = { roles: new Map(), pairs: [], media: [], fromOptions: [], intoOptions: [] };
+
 /**
  * What can be done, and what of it is chosen: `roles` by the ids of files; `pairs`; all `media`; the options for `from`
  * and `into`, each with a `refusal` if it is impossible; and the chosen ones among them, if any.

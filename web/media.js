@@ -63,6 +63,12 @@ async function extract(run, medium) {
   return (await runExtract(run, medium)).files[dataFileName];
 }
 
+/** The medium under other names, so that no command that changes it names the person's files. */
+function copyOf(medium) {
+  const rename = (name) => name.replace(/(\.[^.]*)?$/, "-with-savegame$1");
+  return { ...medium, files: medium.files.map((file) => ({ ...file, name: rename(file.name) })) };
+}
+
 /** The savegame in a medium: its bytes, and the reports of disc 2 and disc 3. */
 export async function readSavegame(run, medium) {
   const data = await extract(run, medium);
@@ -77,7 +83,7 @@ export function hasSavegame(savegame) {
 /** Whether a savegame of which no part equals another comes out of the medium as it was put in. */
 async function keepsSavegame(run, medium) {
   const marked = Uint8Array.from({ length: dataFileSize }, (_, i) => (i * 167 + (i >> 8) * 59) % 256);
-  const { files } = await runExtract(run, await implant(run, marked, medium));
+  const { files } = await runExtract(run, await implant(run, marked, copyOf(medium)));
   return files[dataFileName] !== undefined && isEqual(files[dataFileName], marked);
 }
 
@@ -143,10 +149,6 @@ export async function examine(run, file) {
   return { kind: "data", medium, savegame: await readSavegame(run, medium) };
 }
 
-function withSuffix(name) {
-  return name.replace(/(\.[^.]*)?$/, "-with-savegame$1");
-}
-
 function requireEqualFiles(medium, otherMedium) {
   medium.files.forEach((file, i) => {
     if (!isEqual(file.bytes, otherMedium.files[i].bytes)) throw new Error(`${file.name} is not as it has to be.`);
@@ -162,8 +164,7 @@ function requireEqualFiles(medium, otherMedium) {
  */
 export async function transfer(run, source, target) {
   const data = await extract(run, source);
-  const copies = { ...target, files: target.files.map((file) => ({ ...file, name: withSuffix(file.name) })) };
-  const made = await implant(run, data, copies);
+  const made = await implant(run, data, copyOf(target));
   if (!isEqual(await extract(run, made), data)) throw new Error("What came out is not what was put in.");
   requireEqualFiles(await implant(run, await extract(run, target), made), target);
   return made.files.map(({ name, bytes, tail = new Uint8Array() }, i) => ({
@@ -182,7 +183,7 @@ export async function transfer(run, source, target) {
  */
 export async function takeOut(run, source) {
   const data = await extract(run, source);
-  requireEqualFiles(await implant(run, data, source), source);
+  requireEqualFiles(await implant(run, data, copyOf(source)), source);
   return [{ name: dataFileName, bytes: data }];
 }
 

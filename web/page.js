@@ -1,5 +1,5 @@
 // The page: its state is the files and the choices of the person, and everything that is shown follows from them.
-import { exchangeRoles, findConcerns, makePlan, sourceRoles } from "./choices.js";
+import { emptyPlan, exchangeRoles, findConcerns, makePlan, sourceRoles } from "./choices.js";
 import { button, element, paragraph, radioGroup, select } from "./elements.js";
 import { dataFileName, examine, hasSavegame, pairOf, readFlags, readSavegame, takeOut, transfer } from "./media.js";
 import { stashkeep } from "./program.js";
@@ -9,9 +9,9 @@ import { comparison, discNotes, fileList, flagTables, programOutput, savegameRep
 
 let files = []; // what the person gave, each with an id, a path, a size, and what `examine` says
 const choices = { roles: new Map(), from: undefined, into: undefined, shown: undefined, isAccepted: false, search: "" };
-const log = []; // every run of the program: its arguments, exit status and output
+const log = []; // every run of the program: what it was for, its arguments, exit status and output
 const savegamesOfPairs = new Map(); // by the ids of both images
-let plan;
+let plan = emptyPlan;
 let made; // the result of a transfer
 let flagReport; // that of the shown savegame, if all sources are there
 let lastId = 0;
@@ -20,7 +20,8 @@ const byId = (id) => document.getElementById(id);
 
 async function run(args, contents) {
   const outcome = await stashkeep(args, contents);
-  log.push({ args, exitStatus: outcome.exitStatus, output: toText(outcome.output) });
+  const { exitStatus, output } = outcome;
+  log.push({ purpose: byId("status").textContent, args, exitStatus, output: toText(output) });
   return outcome;
 }
 
@@ -109,10 +110,12 @@ function enqueue(change) {
     let done = "";
     try {
       done = (await change()) ?? "";
+      showStatus("Looking into the savegames …");
       plan = await makePlan(files, choices, readPair);
       await updateFlagReport();
     } catch (error) {
       made = undefined;
+      plan = emptyPlan;
       byId("failure").replaceChildren(
         paragraph(`That did not work, and nothing was made. ${error.message}`, "warning"),
       );
@@ -276,8 +279,11 @@ function commandLine(args) {
 function renderLog() {
   byId("log").hidden = log.length === 0;
   if (!byId("log-details").open) return;
-  const text = ({ args, exitStatus, output }) => `$ ${commandLine(args)}\n${output}\n(exit status ${exitStatus})`;
-  byId("log-entries").replaceChildren(...log.map((entry) => element("pre", {}, text(entry))));
+  const entries = log.flatMap(({ purpose, args, exitStatus, output }, i) => [
+    purpose === log[i - 1]?.purpose ? "" : element("h3", {}, purpose),
+    element("pre", {}, `$ ${commandLine(args)}\n${output}\n(exit status ${exitStatus})`),
+  ]);
+  byId("log-entries").replaceChildren(...entries);
 }
 
 function render() {
