@@ -249,11 +249,15 @@ for (const [what, at] of [
     withPage("chromium", [path("savegame.dat"), reu], async (browser) => {
       await browser.evaluate((offset) => {
         const { set } = Object.getOwnPropertyDescriptor(Worker.prototype, "onmessage");
-        const spoil = ([name, bytes]) => name === "game-with-savegame.reu" && (bytes[offset] = 77);
+        let isSpoiled = false;
         Object.defineProperty(Worker.prototype, "onmessage", {
           set(listener) {
             set.call(this, (event) => {
-              event.data.files.forEach(spoil);
+              const image = event.data.files.find(([name]) => name === "game-with-savegame.reu");
+              if (image && !isSpoiled) {
+                image[1][offset] ^= 1;
+                isSpoiled = true;
+              }
               listener(event);
             });
           },
