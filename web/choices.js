@@ -8,31 +8,31 @@ export const floppyRoles = ["first2", "first3", "second2", "second3"];
 /** The roles of sources: the names of the game's own files, an included file, or not used, which is "". */
 export const sourceRoles = ["scr_flags.asm", "scr_collectableids.asm", "scr_globaldefines.asm", "included"];
 
-const savedNothing = "There is no savegame here: save in the game first.";
-const sameDiscs = "Both discs are the same file.";
-
-/** The number of the disc that a name suggests, if any, and what the name has in common with that of the other discs. */
-function readDiscName(path) {
-  const [, folder, stem] = /^(.*\/)?(.*?)(?:\.[^.]*)?$/.exec(path.toLowerCase());
+/**
+ * What a name suggests: `number` is 2 or 3, or 1 for a disc that is neither of them, if any; `series` is what the name has
+ * in common with that of the other discs. A disc with a savegame is 2 or 3 whatever its name says.
+ */
+function readDiscName({ path, disc }) {
+  const [, folder = "", stem] = /^(.*\/)?(.*?)(?:\.[^.]*)?$/s.exec(path.toLowerCase());
   const numbers = [...stem.matchAll(/(dis[ck]|side|^|\D)[\s_.-]*(?<number>[1-9])(?!\d)/g)];
   const best = numbers.find((match) => /^(dis[ck]|side)/.test(match[0])) ?? numbers.at(-1);
   if (!best) return { series: path };
   const at = best.index + best[0].length - 1;
-  return { number: Number(best.groups.number), series: `${folder}${stem.slice(0, at)}#${stem.slice(at + 1)}` };
+  const series = `${folder}${stem.slice(0, at)}#${stem.slice(at + 1)}`;
+  const number = Number(best.groups.number);
+  if (number === 2 || number === 3) return { number, series };
+  return { number: disc.state === "none" ? 1 : undefined, series };
 }
 
-function inOrderOfNames(files) {
-  return [...files].sort((a, b) => (a.path < b.path ? -1 : 1));
-}
-
-/** Discs 2 and 3 with names of one series; those with a savegame first. */
+/** Discs 2 and 3 with names of one series, the nth of each together; those with a savegame first. */
 function findPairs(floppies) {
-  const named = floppies.map((file) => ({ file, ...readDiscName(file.path) }));
-  const pairs = named
-    .filter(({ number }) => number === 2)
-    .map((disc2) => [disc2, named.find(({ number, series }) => number === 3 && series === disc2.series)])
-    .filter(([, disc3]) => disc3)
-    .map((discs) => discs.map(({ file }) => file));
+  const named = floppies.map((file) => ({ file, ...readDiscName(file) }));
+  const discs3 = named.filter(({ number }) => number === 3);
+  const pairs = [];
+  for (const disc2 of named.filter(({ number }) => number === 2)) {
+    const at = discs3.findIndex(({ series }) => series === disc2.series);
+    if (at >= 0) pairs.push([disc2.file, discs3.splice(at, 1)[0].file]);
+  }
   const savedDiscs = (pair) => pair.filter(({ disc }) => disc.state !== "none").length;
   return pairs.sort((a, b) => savedDiscs(b) - savedDiscs(a));
 }
@@ -44,12 +44,13 @@ function assignFloppies(floppies, chosen) {
   const isOpen = ({ id }) => roles.get(id) === undefined;
   const give = (file, role) => roles.set(file.id, role);
 
-  for (const pair of findPairs(inOrderOfNames(floppies))) {
+  const inOrder = [...floppies].sort((a, b) => a.path.localeCompare(b.path, "en"));
+  for (const pair of findPairs(inOrder)) {
     const side = ["first", "second"].find((name) => isFree(`${name}2`) && isFree(`${name}3`));
     if (side && pair.every(isOpen)) pair.forEach((file, i) => give(file, `${side}${i + 2}`));
   }
-  for (const file of inOrderOfNames(floppies).filter(isOpen)) {
-    const { number } = readDiscName(file.path);
+  for (const file of inOrder.filter(isOpen)) {
+    const { number } = readDiscName(file);
     const possible = floppyRoles.filter((role) => isFree(role) && (!number || role.endsWith(number)));
     give(file, possible[0] ?? "");
   }
@@ -57,7 +58,7 @@ function assignFloppies(floppies, chosen) {
 }
 
 /** The role of each source by its id: the chosen ones, and those that the names say. */
-export function assignSources(sources, chosen) {
+function assignSources(sources, chosen) {
   const roles = new Map(sources.map(({ id }) => [id, chosen.get(id)]));
   const isTaken = (role) => [...roles.values()].includes(role);
   for (const { id, path } of sources) {
@@ -68,58 +69,74 @@ export function assignSources(sources, chosen) {
   return roles;
 }
 
-/** Gives a file a role; the file that had it gets the role of the first one. */
-export function exchangeRoles(roles, id, role) {
-  const exchanged = new Map(roles);
-  const [other] = [...roles].find(([, taken]) => taken === role && role !== "" && role !== "included") ?? [];
-  if (other !== undefined) exchanged.set(other, roles.get(id));
-  return exchanged.set(id, role);
+/** The id of the file that has a role which only one file can have. */
+export function findHolder(roles, role) {
+  if (role === "" || role === "included") return undefined;
+  return [...roles].find(([, taken]) => taken === role)?.[0];
+}
+
+/** Why these two are disc 2 and disc 3: "chosen" by the person, by their "names", or by nothing but their "order". */
+function findGrounds(disc2, disc3, chosenByHand) {
+  if (chosenByHand.has(disc2.id) || chosenByHand.has(disc3.id)) return "chosen";
+  return [disc2, disc3].some((file) => readDiscName(file).number) ? "names" : "order";
 }
 
 /**
  * The pairs of floppy images: the side, the files of disc 2 and disc 3, one of which may be missing, whether both have
- * the same contents, and whether their roles are guessed.
+ * the same contents, and on what grounds they have their roles.
  */
-function findPairsByRole(floppies, roles, chosen) {
+function findPairsByRole(floppies, roles, chosenByHand) {
   const withRole = (role) => floppies.find(({ id }) => roles.get(id) === role);
-  return ["first", "second"].flatMap((side) => {
-    const [disc2, disc3] = [withRole(`${side}2`), withRole(`${side}3`)];
-    if (!disc2 && !disc3) return [];
-    const isSame = disc2 && disc3 && isEqual(disc2.image.bytes, disc3.image.bytes);
-    return { side, disc2, disc3, isSame, isGuess: !chosen.has(disc2?.id) };
+  const pairs = ["first", "second"].map(async (side) => {
+    const pair = { side, disc2: withRole(`${side}2`), disc3: withRole(`${side}3`) };
+    if (!pair.disc2 || !pair.disc3) return pair;
+    const isSame = await isEqual(pair.disc2.image.bytes, pair.disc3.image.bytes);
+    return { ...pair, isSame, grounds: findGrounds(pair.disc2, pair.disc3, chosenByHand) };
   });
+  return Promise.all(pairs);
 }
 
-/** What is wrong with a savegame so that it should be moved only if the person wants that. */
-export function findConcerns(savegame) {
+/** What is wrong with the savegame of a medium. */
+function findDamages({ savegame, title }) {
   const pages = ["part 1 (the flags)", "part 2 (money, lives and items)"];
   return savegame.discs.flatMap(({ state, damagedPages }, i) => {
     const disc = `Disc ${i + 2}`;
-    if (state === "none") return `Only disc ${3 - i} has a savegame; ${disc.toLowerCase()} has none.`;
-    return damagedPages.map((page) => `${disc}: the checksum of ${pages[page]} is wrong. This part is damaged.`);
+    if (state === "none") return `Only disc ${3 - i} has a savegame; ${disc.toLowerCase()} has none (${title}).`;
+    return damagedPages.map((page) => `${disc}: the checksum of ${pages[page]} is wrong (${title}). It is damaged.`);
   });
 }
 
-/** The possible option with this key or, if there is none, the only possible one of the likely options. */
+/** What the person has to agree to before anything is made. */
+export function findConcerns({ from, into }) {
+  const unordered = [from, into].filter(({ grounds }) => grounds === "order");
+  const orders = unordered.map(({ files: [disc2, disc3] }) => {
+    return `Nothing says whether ${disc2.title} or ${disc3.title} is disc 2. If the order is wrong, the game will not find its savegame.`;
+  });
+  return [...findDamages(from), ...orders];
+}
+
+/** The possible option with this key or, if there is none, the only possible one: of the likely options, or of all. */
 function choose(options, key, likelyOptions) {
-  const isPossible = ({ refusal }) => refusal === undefined;
-  const [first, ...others] = likelyOptions.filter(isPossible);
-  const only = others.length === 0 ? first : undefined;
-  return options.filter(isPossible).find((option) => option.key === key) ?? only;
+  const possible = options.filter(({ refusal }) => refusal === undefined);
+  const likely = possible.filter((option) => likelyOptions.includes(option));
+  const onlyOne = (all) => (all.length === 1 ? all[0] : undefined);
+  return possible.find((option) => option.key === key) ?? onlyOne(likely) ?? onlyOne(possible);
 }
 
 /** All media among the files, with their savegames; `readPair` reads that of two floppy images. */
 async function findMedia(files, pairs, readPair) {
   const media = [];
-  for (const { side, disc2, disc3, isSame } of pairs.filter((pair) => pair.disc2 && pair.disc3)) {
+  for (const { side, disc2, disc3, isSame, grounds } of pairs.filter((pair) => pair.disc2 && pair.disc3)) {
+    const savegame = await readPair(disc2, disc3);
+    const refusal = isSame ? "Both discs have the same contents." : undefined;
     const medium = pairOf(disc2.image, disc3.image);
-    const refusal = isSame ? sameDiscs : undefined;
-    media.push({ key: side, medium, savegame: await readPair(disc2, disc3), refusal, canTake: true });
+    media.push({ key: side, files: [disc2, disc3], medium, savegame, refusal, grounds, canTake: true });
   }
-  for (const { id, kind, medium, savegame, canTake = false } of files) {
-    if (kind === "memory" || kind === "data") media.push({ key: id, medium, savegame, canTake });
+  for (const file of files.filter(({ kind }) => kind === "memory" || kind === "data")) {
+    const { id, medium, savegame, canTake = false } = file;
+    media.push({ key: id, files: [file], medium, savegame, canTake });
   }
-  return media.map((entry) => ({ ...entry, title: entry.medium.files.map(({ name }) => name).join(" and ") }));
+  return media.map((entry) => ({ ...entry, title: entry.files.map(({ title }) => title).join(" and ") }));
 }
 
 /** The plan without files. */
@@ -130,26 +147,30 @@ export const emptyPlan = { roles: new Map(), pairs: [], media: [], fromOptions: 
  * and `into`, each with a `refusal` if it is impossible; and the chosen ones among them, if any.
  */
 export async function makePlan(files, choices, readPair) {
-  const ofKind = (kind) => files.filter((file) => file.kind === kind);
-  const floppyRolesById = assignFloppies(ofKind("floppy"), choices.roles);
-  const pairs = findPairsByRole(ofKind("floppy"), floppyRolesById, choices.roles);
+  const floppies = files.filter(({ kind }) => kind === "floppy");
+  const sources = files.filter(({ kind }) => kind === "source");
+  const floppyRolesById = assignFloppies(floppies, choices.roles);
+  const roles = new Map([...floppyRolesById, ...assignSources(sources, choices.roles)]);
+  const allPairs = await findPairsByRole(floppies, roles, choices.byHand);
+  const pairs = allPairs.filter(({ disc2, disc3 }) => disc2 || disc3);
   const media = await findMedia(files, pairs, readPair);
 
+  const noSavegame = "There is no savegame here: save in the game first.";
   const fromOptions = media.map((entry) => ({
     ...entry,
-    refusal: entry.refusal ?? (hasSavegame(entry.savegame) ? undefined : savedNothing),
+    refusal: entry.refusal ?? (hasSavegame(entry.savegame) ? undefined : noSavegame),
   }));
   const from = choose(fromOptions, choices.from, fromOptions);
-  const intoOptions = media
+
+  const images = media
     .filter(({ key, medium }) => key !== from?.key && medium.command !== "")
     .map((entry) => ({
       ...entry,
       refusal: entry.refusal ?? (entry.canTake ? undefined : "There is no place for a savegame."),
     }));
-  if (from && from.medium.command !== "") intoOptions.push({ key: "data", title: "a savegame data file" });
-  const images = intoOptions.filter(({ key }) => key !== "data");
-  const into = from && choose(intoOptions, choices.into, images.length > 0 ? images : intoOptions);
-  const roles = new Map([...floppyRolesById, ...assignSources(ofKind("source"), choices.roles)]);
+  const dataFile = { key: "data", title: "a savegame data file, as a backup" };
+  const intoOptions = from && from.medium.command !== "" ? [...images, dataFile] : images;
+  const into = from && choose(intoOptions, choices.into, images);
   return { roles, pairs, media, fromOptions, intoOptions, from, into };
 }
 

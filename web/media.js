@@ -14,25 +14,36 @@ const floppySize = 196_608;
 const errorBytesSize = 768;
 const floppySizesOf35Tracks = [174_848, 175_531];
 const leastExpansionSize = 65_536;
+const textSizeLimit = 4 * 1024 * 1024; // larger files are no sources
 
 const whatIsAccepted =
   "Accepted are floppy images of 40 tracks (196,608 bytes), images of a memory expansion (REU, GeoRAM, NeoRAM, .ybn, " +
   ".fbn), savegame data files (1,024 bytes), and the game's sources.";
 
-export function formatSize(size) {
-  return `${size.toLocaleString("en")} ${size === 1 ? "byte" : "bytes"}`;
+export function formatNumber(number) {
+  return number.toLocaleString("en");
 }
 
-function countDifferences(bytes, otherBytes) {
+export function formatSize(size) {
+  return `${formatNumber(size)} ${size === 1 ? "byte" : "bytes"}`;
+}
+
+/** In how many places two arrays of one length differ. Large ones are compared in slices, so that the page stays alive. */
+async function countDifferences(bytes, otherBytes) {
+  const sliceSize = 16 * 1024 * 1024;
   let count = 0;
-  for (let i = 0; i < bytes.length; ++i) {
-    if (bytes[i] !== otherBytes[i]) ++count;
+  for (let start = 0; start < bytes.length; start += sliceSize) {
+    const end = Math.min(start + sliceSize, bytes.length);
+    for (let i = start; i < end; ++i) {
+      if (bytes[i] !== otherBytes[i]) ++count;
+    }
+    if (end < bytes.length) await new Promise((resolve) => setTimeout(resolve));
   }
   return count;
 }
 
-export function isEqual(bytes, otherBytes) {
-  return bytes.length === otherBytes.length && countDifferences(bytes, otherBytes) === 0;
+export async function isEqual(bytes, otherBytes) {
+  return bytes.length === otherBytes.length && (await countDifferences(bytes, otherBytes)) === 0;
 }
 
 function concatenate(bytes, tail) {
@@ -45,22 +56,34 @@ function concatenate(bytes, tail) {
 const namesOf = (medium) => medium.files.map(({ name }) => name);
 const contentsOf = (medium) => Object.fromEntries(medium.files.map(({ name, bytes }) => [name, bytes]));
 
-/** Runs the program to take the savegame out of a medium. */
-function runExtract(run, medium) {
-  return run([`extract${medium.command}`, ...namesOf(medium), dataFileName], contentsOf(medium));
+/** Runs the program to take the savegame out of a medium; `data` is missing if it refuses. */
+async function tryToExtract(run, medium) {
+  const args = [`extract${medium.command}`, ...namesOf(medium), dataFileName];
+  const { exitStatus, output, files } = await run(args, contentsOf(medium));
+  return { output: toText(output), data: exitStatus === 0 ? files[dataFileName] : undefined };
 }
 
-/** The medium with another savegame, or with its own one if the program refuses that. */
-async function implant(run, data, medium) {
+/** Runs the program to put a savegame into a medium, and returns the medium with it; nothing if the program refuses. */
+async function tryToImplant(run, data, medium) {
   const args = [`implant${medium.command}`, dataFileName, ...namesOf(medium)];
-  const { files } = await run(args, { ...contentsOf(medium), [dataFileName]: data });
+  const { exitStatus, files } = await run(args, { ...contentsOf(medium), [dataFileName]: data });
+  if (exitStatus !== 0) return undefined;
   return { ...medium, files: medium.files.map((file) => ({ ...file, bytes: files[file.name] })) };
 }
 
-/** The bytes of the savegame in a medium, which is known to have a place for it. */
+/** The bytes of the savegame in a medium. Throws if the program refuses. */
 async function extract(run, medium) {
   if (medium.command === "") return medium.files[0].bytes;
-  return (await runExtract(run, medium)).files[dataFileName];
+  const { data } = await tryToExtract(run, medium);
+  if (data?.length !== dataFileSize) throw new Error("The savegame could not be taken out.");
+  return data;
+}
+
+/** The medium with another savegame. Throws if the program refuses. */
+async function implant(run, data, medium) {
+  const made = await tryToImplant(run, data, medium);
+  if (!made) throw new Error("The savegame could not be put in.");
+  return made;
 }
 
 /** The medium under other names, so that no command that changes it names the person's files. */
@@ -69,30 +92,37 @@ function copyOf(medium) {
   return { ...medium, files: medium.files.map((file) => ({ ...file, name: rename(file.name) })) };
 }
 
-/** The savegame in a medium: its bytes, and the reports of disc 2 and disc 3. */
-export async function readSavegame(run, medium) {
-  const data = await extract(run, medium);
+/** What a data file holds: its bytes, and the reports of disc 2 and disc 3. */
+async function inspect(run, data) {
   const { output } = await run(["check", dataFileName], { [dataFileName]: data });
   return { data, discs: parseReport(output) };
+}
+
+/** The savegame in a medium. */
+export async function readSavegame(run, medium) {
+  return inspect(run, await extract(run, medium));
 }
 
 export function hasSavegame(savegame) {
   return savegame.discs.some(({ state }) => state !== "none");
 }
 
-/** Whether a savegame of which no part equals another comes out of the medium as it was put in. */
+/** A data file of which no part equals another one. */
+const markedSavegame = Uint8Array.from({ length: dataFileSize }, (_, i) => (i ** 3) >> 5);
+
+/** Whether the medium has a place for every byte of a savegame. */
 async function keepsSavegame(run, medium) {
-  const marked = Uint8Array.from({ length: dataFileSize }, (_, i) => (i * 167 + (i >> 8) * 59) % 256);
-  const { files } = await runExtract(run, await implant(run, marked, copyOf(medium)));
-  return files[dataFileName] !== undefined && isEqual(files[dataFileName], marked);
+  const made = await tryToImplant(run, markedSavegame, copyOf(medium));
+  const { data } = made ? await tryToExtract(run, made) : {};
+  return data !== undefined && isEqual(data, markedSavegame);
 }
 
 /** A text has no control characters but white space, and most of it is ASCII: unused memory may be full of 255. */
 function isText(bytes) {
-  const whiteSpace = [9, 10, 12, 13];
+  const allowedControls = [9, 10, 12, 13, 26]; // white space, and the end of a file in DOS
   let asciiCount = 0;
   for (const byte of bytes) {
-    if (byte < 32 && !whiteSpace.includes(byte)) return false;
+    if (byte < 32 && !allowedControls.includes(byte)) return false;
     if (byte < 128) ++asciiCount;
   }
   return asciiCount > bytes.length / 2;
@@ -109,30 +139,40 @@ async function examineFloppy(run, { name, bytes }) {
 }
 
 async function examineFloppyOf35Tracks(run, { name, bytes }) {
-  const { output } = await runExtract(run, pairOf({ name, bytes }, { name, bytes }));
+  const { output } = await tryToExtract(run, pairOf({ name, bytes }, { name, bytes }));
   const problem =
     "This is a floppy image of 35 tracks. The game uses 40 tracks, so its savegame cannot be moved into or out of this " +
     "file. The original image is needed: 40 tracks, 196,608 bytes.";
-  return { kind: "refused", problem, output: toText(output) };
+  return { kind: "refused", problem, output };
+}
+
+/** Why a file that is no medium cannot be used. */
+function describeProblem({ length }, extension) {
+  const isPowerOfTwo = Number.isInteger(Math.log2(length));
+  const isNamedSo = ["reu", "georam", "neoram", "ybn", "fbn"].includes(extension);
+  if (length >= leastExpansionSize && (isPowerOfTwo || isNamedSo)) {
+    return (
+      "This seems to be the image of a memory expansion, but it has no savegame and no place for one. Start the game once " +
+      "with this image, let the emulator save the expansion, close the emulator, and add the file again."
+    );
+  }
+  const reason =
+    length === 0
+      ? "This file is empty: it has 0 bytes. Copy or download it again."
+      : `This is no file that a savegame can be moved into or out of: it has ${formatSize(length)}.`;
+  return `${reason} ${whatIsAccepted}`;
 }
 
 async function examineMemoryImage(run, { name, bytes }) {
   const extension = name.split(".").pop().toLowerCase();
   const medium = { command: ["ybn", "fbn"].includes(extension) ? extension : "reu", files: [{ name, bytes }] };
-  const { exitStatus, output } = await runExtract(run, medium);
-  if (exitStatus === 0) {
-    const savegame = await readSavegame(run, medium);
+  const { data, output } = await tryToExtract(run, medium);
+  if (data) {
+    const savegame = await inspect(run, data);
     const canTake = await keepsSavegame(run, medium);
     if (canTake || hasSavegame(savegame)) return { kind: "memory", medium, savegame, canTake };
   }
-  const isPowerOfTwo = Number.isInteger(Math.log2(bytes.length));
-  const looksLikeOne = ["reu", "georam", "neoram", "ybn", "fbn"].includes(extension);
-  const problem =
-    (isPowerOfTwo && bytes.length >= leastExpansionSize) || looksLikeOne
-      ? "This seems to be the image of a memory expansion, but it has no savegame and no place for one. Start the game " +
-        "once with this image, let the emulator save the expansion, close the emulator, and add the file again."
-      : `This is no file that a savegame can be moved into or out of: it has ${formatSize(bytes.length)}. ${whatIsAccepted}`;
-  return { kind: "refused", problem, output: toText(output) };
+  return { kind: "refused", problem: describeProblem(bytes, extension), output: data ? undefined : output };
 }
 
 /**
@@ -141,49 +181,52 @@ async function examineMemoryImage(run, { name, bytes }) {
  */
 export async function examine(run, file) {
   const size = file.bytes.length;
-  if (isText(file.bytes)) return { kind: "source" };
+  if (size <= textSizeLimit && isText(file.bytes)) return { kind: "source" };
   if (size === floppySize || size === floppySize + errorBytesSize) return examineFloppy(run, file);
   if (floppySizesOf35Tracks.includes(size)) return examineFloppyOf35Tracks(run, file);
   if (size !== dataFileSize) return examineMemoryImage(run, file);
   const medium = { command: "", files: [file] };
-  return { kind: "data", medium, savegame: await readSavegame(run, medium) };
+  return { kind: "data", medium, savegame: await inspect(run, file.bytes) };
 }
 
-function requireEqualFiles(medium, otherMedium) {
-  medium.files.forEach((file, i) => {
-    if (!isEqual(file.bytes, otherMedium.files[i].bytes)) throw new Error(`${file.name} is not as it has to be.`);
-  });
+async function requireEqualFiles(medium, otherMedium) {
+  for (const [i, { name, bytes }] of medium.files.entries()) {
+    if (!(await isEqual(bytes, otherMedium.files[i].bytes))) throw new Error(`${name} is not as it has to be.`);
+  }
 }
 
 /**
  * Puts the savegame of the source into copies of the target's files. Two comparisons prove it: the savegame comes out of
  * the copies as it was put in, and with their old savegame put back the copies equal the target.
  *
- * @returns {Promise<{name: string, bytes: Uint8Array, oldName: string, tailSize: number,
- *     changedBytes: number}[]>} the new files
+ * @returns {Promise<{name: string, bytes: Uint8Array, changedBytes: number, tailSize: number}[]>} the new files, in the
+ *     order of the target's
  */
 export async function transfer(run, source, target) {
   const data = await extract(run, source);
   const made = await implant(run, data, copyOf(target));
-  if (!isEqual(await extract(run, made), data)) throw new Error("What came out is not what was put in.");
-  requireEqualFiles(await implant(run, await extract(run, target), made), target);
-  return made.files.map(({ name, bytes, tail = new Uint8Array() }, i) => ({
-    name,
-    bytes: concatenate(bytes, tail),
-    oldName: target.files[i].name,
-    tailSize: tail.length,
-    changedBytes: countDifferences(bytes, target.files[i].bytes),
-  }));
+  if (!(await isEqual(await extract(run, made), data))) throw new Error("What came out is not what was put in.");
+  await requireEqualFiles(await implant(run, await extract(run, target), made), target);
+  return Promise.all(
+    made.files.map(async ({ name, bytes, tail = new Uint8Array() }, i) => ({
+      name,
+      bytes: concatenate(bytes, tail),
+      changedBytes: await countDifferences(bytes, target.files[i].bytes),
+      tailSize: tail.length,
+    })),
+  );
 }
 
 /**
- * Takes the savegame of the source out into a data file. The proof: put into the source, it changes nothing there.
+ * Takes the savegame of the source out into a data file. The proof: a copy of the source with another savegame equals the
+ * source again after the data file was put into it.
  *
  * @returns {Promise<{name: string, bytes: Uint8Array}[]>} the data file
  */
 export async function takeOut(run, source) {
   const data = await extract(run, source);
-  requireEqualFiles(await implant(run, data, copyOf(source)), source);
+  const other = await implant(run, markedSavegame, copyOf(source));
+  await requireEqualFiles(await implant(run, data, other), source);
   return [{ name: dataFileName, bytes: data }];
 }
 
@@ -191,7 +234,8 @@ export async function takeOut(run, source) {
  * Reads the flags with the game's sources: `paths` are those of the game flags, collectable ids and global definitions
  * among `files`. An included file that is not there is looked for among them by its last name, in any case of letters.
  *
- * @returns {Promise<{flags?: object, output: string, missing: string[]}>} no flags if a source failed
+ * @returns {Promise<{flags?: object, output: string, missing: string[]}>} no flags if a source failed, or a flag's name
+ *     cannot be told from its value
  */
 export async function readFlags(run, data, paths, files) {
   const lastName = (path) => path.split("/").pop().toLowerCase();
@@ -199,7 +243,7 @@ export async function readFlags(run, data, paths, files) {
   for (;;) {
     const { exitStatus, output, missing } = await run(["check", dataFileName, ...paths], all);
     if (exitStatus === 0) return { flags: parseFlagReport(output), output: toText(output), missing };
-    const inFolder = missing.filter((path) => !path.startsWith("/"));
+    const inFolder = missing.filter((path) => path.split("/").every((part) => part !== "" && part !== ".."));
     const found = inFolder.map((path) => [path, Object.keys(files).find((name) => lastName(name) === lastName(path))]);
     const usable = found.filter(([, name]) => name !== undefined);
     if (usable.length === 0) return { output: toText(output), missing };

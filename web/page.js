@@ -1,16 +1,35 @@
 // The page: its state is the files and the choices of the person, and everything that is shown follows from them.
-import { emptyPlan, exchangeRoles, findConcerns, makePlan, sourceRoles } from "./choices.js";
+import { emptyPlan, findConcerns, findHolder, makePlan, sourceRoles } from "./choices.js";
 import { button, element, paragraph, radioGroup, select } from "./elements.js";
-import { dataFileName, examine, hasSavegame, pairOf, readFlags, readSavegame, takeOut, transfer } from "./media.js";
+import {
+  dataFileName,
+  examine,
+  hasSavegame,
+  isEqual,
+  pairOf,
+  readFlags,
+  readSavegame,
+  takeOut,
+  transfer,
+} from "./media.js";
 import { stashkeep } from "./program.js";
 import { exampleFiles, filesOfDrop, filesOfInput, readBytes } from "./reading.js";
 import { toText } from "./report.js";
 import { comparison, discNotes, fileList, flagTables, programOutput, savegameReport, transferResult } from "./views.js";
 
-let files = []; // what the person gave, each with an id, a path, a size, and what `examine` says
-const choices = { roles: new Map(), from: undefined, into: undefined, shown: undefined, isAccepted: false, search: "" };
+let files = []; // what the person gave, each with an id, a title, a name for the program, and what `examine` says
+const choices = {
+  roles: new Map(), // of files by their ids
+  byHand: new Set(), // the ids of those whose roles the person has changed
+  from: undefined,
+  into: undefined,
+  shown: undefined, // the medium in the report
+  accepted: "", // the concerns that the person has agreed to
+  search: "",
+};
 const log = []; // every run of the program: what it was for, its arguments, exit status and output
 const savegamesOfPairs = new Map(); // by the ids of both images
+let purpose = ""; // what the program is running for
 let plan = emptyPlan;
 let made; // the result of a transfer
 let flagReport; // that of the shown savegame, if all sources are there
@@ -21,17 +40,29 @@ const byId = (id) => document.getElementById(id);
 async function run(args, contents) {
   const outcome = await stashkeep(args, contents);
   const { exitStatus, output } = outcome;
-  log.push({ purpose: byId("status").textContent, args, exitStatus, output: toText(output) });
+  log.push({ purpose, args, exitStatus, output: toText(output) });
   return outcome;
 }
 
 // Files
 
-/** A name under which the program gets a file, beside all others. */
-function programName(path, id) {
+/** A title or name that no other file has: with a number, if necessary. */
+function uniqueText(text, withNumber, isTaken) {
+  let unique = text;
+  for (let number = 2; isTaken(unique); ++number) unique = withNumber(number);
+  return unique;
+}
+
+function uniqueTitle(path) {
+  const isTaken = (title) => files.some((file) => file.title === title);
+  return uniqueText(path, (number) => `${path} (${number})`, isTaken);
+}
+
+/** The name under which the program gets a file. */
+function uniqueName(path) {
   const name = path.split("/").pop();
-  const isTaken = name === dataFileName || files.some((file) => file.name === name);
-  return isTaken ? `${id}-${name}` : name;
+  const isTaken = (candidate) => candidate === dataFileName || files.some((file) => file.name === candidate);
+  return uniqueText(name, (number) => name.replace(/(\.[^.]*)?$/s, `-${number}$1`), isTaken);
 }
 
 async function examineSafely(file) {
@@ -42,13 +73,29 @@ async function examineSafely(file) {
   }
 }
 
+/** Adds a file, unless it is in the list already. A refused one is looked into again. */
 async function addFile(given) {
-  showStatus(`Looking into ${given.path} …`);
+  const { file, path } = given;
+  showStatus(`Looking into ${path} …`);
   const sizeBefore = files.reduce((sum, { size, bytes }) => sum + (bytes ? size : 0), 0);
   const { bytes, problem } = await readBytes(given, sizeBefore);
+  for (const other of files.filter((candidate) => candidate.path === path && candidate.bytes && bytes)) {
+    if (!(await isEqual(other.bytes, bytes))) continue;
+    if (other.kind !== "refused") return;
+    files = files.filter((remaining) => remaining !== other); // another try
+  }
   const id = String(++lastId);
-  const file = { id, path: given.path, name: programName(given.path, id), size: given.file.size, bytes };
-  files.push({ ...file, ...(problem ? { kind: "refused", problem } : await examineSafely(file)) });
+  const added = { id, file, path, title: uniqueTitle(path), name: uniqueName(path), size: file.size, bytes };
+  files.push({ ...added, ...(problem ? { kind: "refused", problem } : await examineSafely(added)) });
+}
+
+/** Throws if a file has changed on the disk since it was added, as an emulator may do when it ends. */
+async function requireUnchanged({ file, bytes, title }) {
+  const now = await readBytes({ file }, 0);
+  if (now.bytes && (await isEqual(now.bytes, bytes))) return;
+  throw new Error(
+    `${title} has changed since you added it. Close the emulator, remove the file here, and add it again.`,
+  );
 }
 
 async function readPair(disc2, disc3) {
@@ -75,23 +122,28 @@ function includedPath({ path }) {
 function findSources() {
   const withRole = (role) => files.filter(({ id }) => plan.roles.get(id) === role);
   const main = sourceRoles.slice(0, 3).map((role) => withRole(role)[0]);
-  const included = withRole("included").reverse(); // so that the first of a name counts
-  const contents = included.map((file) => [includedPath(file), file.bytes]);
+  const empty = files.filter(({ kind, size }) => kind === "refused" && size === 0); // a source may be empty
+  const included = [...withRole("included"), ...empty].reverse(); // so that the first of a name counts
+  const contents = included.map((file) => [includedPath(file), file.bytes ?? new Uint8Array()]);
   for (const file of main.filter(Boolean)) contents.push([file.name, file.bytes]);
   return { main, contents: Object.fromEntries(contents) };
 }
 
+/** Reads the flags of the shown savegame, if that or the sources have changed. */
 async function updateFlagReport() {
   const shown = shownMedium();
   const { main, contents } = findSources();
-  const roles = files.map(({ id }) => `${id} ${plan.roles.get(id)}`);
-  const key = [shown?.key, ...roles].join();
+  const key = [shown?.key, ...files.map(({ id }) => `${id} ${plan.roles.get(id)}`)].join();
   if (flagReport?.key === key) return;
   flagReport = { key, given: main.filter(Boolean).length, absent: sourceRoles.slice(0, 3).filter((_, i) => !main[i]) };
   if (!shown || flagReport.absent.length > 0) return;
   showStatus("Reading the flags …");
   const names = main.map(({ name }) => name);
-  Object.assign(flagReport, await readFlags(run, shown.savegame.data, names, contents));
+  try {
+    Object.assign(flagReport, await readFlags(run, shown.savegame.data, names, contents));
+  } catch (error) {
+    flagReport.output = error.message;
+  }
 }
 
 // What happens
@@ -99,71 +151,103 @@ async function updateFlagReport() {
 let work = Promise.resolve();
 
 function showStatus(text) {
+  purpose = text;
   byId("status").textContent = text;
 }
 
-/** Does one thing after the other. Whatever fails leaves nothing half-made, and the page goes on. */
+function showFailure(where, text) {
+  byId(where).replaceChildren(element("div", { role: "alert", className: "warning" }, text));
+}
+
+/** Whether two options of different plans are the same files. */
+function isSameOption(option, other) {
+  const idsOf = ({ key, files: all = [] }) => [key === "data", ...all.map(({ id }) => id)].join();
+  return option !== undefined && other !== undefined && idsOf(option) === idsOf(other);
+}
+
+/** Finds out anew what can be done. What was made stays only as long as it belongs to what is chosen. */
+async function updatePlan() {
+  showStatus("Looking into the savegames …");
+  plan = await makePlan(files, choices, readPair).catch((error) => {
+    showFailure("failure", `The program could not look into the savegames. ${error.message}`);
+    return emptyPlan;
+  });
+  if (made && !(isSameOption(made.from, plan.from) && isSameOption(made.into, plan.into))) made = undefined;
+  await updateFlagReport();
+}
+
+/** Does one thing after the other. A change may return what to say when it is done. */
 function enqueue(change) {
   work = work.then(async () => {
-    document.body.setAttribute("aria-busy", "true");
+    byId("app").setAttribute("aria-busy", "true");
+    showStatus("Working …");
     byId("failure").replaceChildren();
-    let done = "";
+    byId("make-failure")?.replaceChildren();
+    const madeBefore = made;
+    let done;
     try {
-      done = (await change()) ?? "";
-      showStatus("Looking into the savegames …");
-      plan = await makePlan(files, choices, readPair);
-      await updateFlagReport();
+      done = await change();
+      await updatePlan();
     } catch (error) {
-      made = undefined;
-      plan = emptyPlan;
-      byId("failure").replaceChildren(
-        paragraph(`That did not work, and nothing was made. ${error.message}`, "warning"),
-      );
+      showFailure("failure", `That did not work. ${error.message}`);
     }
     render();
-    showStatus(done);
-    document.body.removeAttribute("aria-busy");
-    if (made && done) byId("result-heading").focus();
+    showStatus(done ?? "Done.");
+    byId("app").removeAttribute("aria-busy");
+    if (made && made !== madeBefore) byId("result-heading").focus();
   });
 }
 
-/** Anything that was made belongs to the choices of before. */
-function changeChoice(change) {
+function addFiles(finding) {
+  enqueue(async () => {
+    const found = await finding;
+    const countBefore = files.length;
+    for (const given of found.files) await addFile(given);
+    if (found.leftOut > 0) {
+      showFailure(
+        "failure",
+        `There are too many files in this folder: ${found.leftOut} of them were left out. Add single files instead.`,
+      );
+    }
+    const count = files.length - countBefore;
+    if (count === 0)
+      return found.files.length > 0 ? "These files are in the list already." : "There are no files in it.";
+    return count === 1 ? "One file added." : `${count} files added.`;
+  });
+}
+
+function removeFiles(isRemoved) {
   enqueue(() => {
-    made = undefined;
-    choices.isAccepted = false;
-    change();
+    files = files.filter((file) => !isRemoved(file));
+    return "Removed.";
   });
 }
 
-function addFiles(given) {
-  enqueue(async () => {
-    made = undefined;
-    choices.isAccepted = false;
-    const all = await given;
-    for (const file of all) await addFile(file);
-    return `${all.length === 1 ? "One file" : `${all.length} files`} added.`;
-  });
-}
-
-function removeFile(removed) {
-  changeChoice(() => {
-    files = files.filter((file) => file !== removed);
-    choices.roles.delete(removed.id);
-  });
-}
-
+/** Gives a file a role; the file that has it gets the role of the first one. */
 function giveRole({ id }, role) {
-  changeChoice(() => (choices.roles = exchangeRoles(plan.roles, id, role)));
+  enqueue(() => {
+    const holder = findHolder(plan.roles, role);
+    choices.roles = new Map(plan.roles).set(holder ?? id, plan.roles.get(id)).set(id, role);
+    for (const changed of [id, holder]) choices.byHand.add(changed);
+  });
 }
 
-function makeFiles() {
+/** Makes what the plan says that was shown when the button was pressed. */
+function makeFiles({ from, into }, concerns) {
+  const shownPlan = plan;
   enqueue(async () => {
+    if (plan !== shownPlan) return "That has changed meanwhile: please look again.";
+    made = undefined;
     showStatus("Making the new files, and comparing them …");
-    const { from, into } = plan;
-    const newFiles =
-      into.key === "data" ? await takeOut(run, from.medium) : await transfer(run, from.medium, into.medium);
-    made = { files: newFiles, from, into };
+    try {
+      for (const file of [...from.files, ...(into.files ?? [])]) await requireUnchanged(file);
+      const isDataFile = into.key === "data";
+      const newFiles = isDataFile ? await takeOut(run, from.medium) : await transfer(run, from.medium, into.medium);
+      made = { files: newFiles, from, into, concerns };
+    } catch (error) {
+      showFailure("make-failure", `That did not work, and nothing was made. ${error.message}`);
+      return "Nothing was made.";
+    }
     return "Compared and ready to be saved.";
   });
 }
@@ -172,32 +256,29 @@ function saveFile({ name, bytes }) {
   const url = URL.createObjectURL(new Blob([bytes]));
   element("a", { href: url, download: name }).click();
   setTimeout(() => URL.revokeObjectURL(url), 60_000);
+  showStatus(`${name} goes to the downloads of your browser.`);
 }
 
 // What is shown
 
 function renderFiles() {
-  const isOpen = byId("sources")?.open ?? false;
-  byId("file-list").replaceChildren(...fileList(files, plan, { onrole: giveRole, onremove: removeFile }));
-  if (byId("sources")) byId("sources").open = isOpen;
-  byId("discs").replaceChildren(...discNotes(plan, (disc2, { id }) => giveRole({ id }, plan.roles.get(disc2.id))));
-}
-
-function makeButton({ from, into }, concerns) {
-  const isReady = concerns.length === 0 || choices.isAccepted;
-  const text =
-    into.key === "data"
-      ? `Make the savegame data file of ${from.title}`
-      : `Put the savegame into a copy of ${into.title}`;
-  return button("make-button", text, makeFiles, { className: "main", disabled: !isReady });
+  const actions = {
+    onrole: giveRole,
+    onremove: ({ id }) => removeFiles((file) => file.id === id),
+    onremoveall: () => removeFiles(() => true),
+  };
+  const swap = (disc2, disc3) => giveRole(disc3, plan.roles.get(disc2.id));
+  byId("file-list").replaceChildren(...fileList(files, plan, actions));
+  byId("discs").replaceChildren(...discNotes(files, plan, swap));
 }
 
 function concernBox(concerns) {
   const onchange = ({ target }) => {
-    choices.isAccepted = target.checked;
-    render();
+    choices.accepted = target.checked ? String(concerns) : "";
+    byId("make-button").disabled = !target.checked;
   };
-  const checkbox = element("input", { type: "checkbox", id: "accept", checked: choices.isAccepted, onchange });
+  const checked = choices.accepted === String(concerns);
+  const checkbox = element("input", { type: "checkbox", id: "accept", checked, onchange });
   return element(
     "div",
     { className: "warning" },
@@ -206,55 +287,67 @@ function concernBox(concerns) {
   );
 }
 
+/** The last step: what is replaced, what to agree to, and the button. */
+function makeParts({ from, into }) {
+  const concerns = findConcerns({ from, into });
+  const text =
+    into.key === "data"
+      ? `Make a savegame data file of ${from.title}`
+      : `Put the savegame into a copy of ${into.title}`;
+  const isReady = concerns.length === 0 || choices.accepted === String(concerns);
+  const onclick = () => makeFiles({ from, into }, concerns);
+  return [
+    into.savegame && hasSavegame(into.savegame) ? comparison(from, into) : "",
+    concerns.length > 0 ? concernBox(concerns) : "",
+    element(
+      "p",
+      { className: "buttons" },
+      button("make-button", text, onclick, { className: "main", disabled: !isReady }),
+    ),
+    element("div", { id: "make-failure" }),
+  ];
+}
+
 function renderMove() {
   const { fromOptions, intoOptions, from, into } = plan;
+  const isPossible = ({ refusal }) => refusal === undefined;
+  const choose = (which) => (key) => enqueue(() => void (choices[which] = key));
   byId("move").hidden = fromOptions.length === 0;
-  const parts = [
-    radioGroup("from", "From: which savegame?", fromOptions, from?.key, (key) =>
-      changeChoice(() => (choices.from = key)),
-    ),
-  ];
-  const refusals = new Set(fromOptions.map(({ refusal }) => refusal));
-  if (!refusals.has(undefined)) parts.push(...[...refusals].map((refusal) => paragraph(refusal, "warning")));
-  if (from && intoOptions.length === 0) parts.push(paragraph("Add the image that the savegame shall move into."));
-  if (intoOptions.length > 0 && from) {
-    parts.push(
-      radioGroup("into", "Into: where shall it go?", intoOptions, into?.key, (key) =>
-        changeChoice(() => (choices.into = key)),
-      ),
-    );
+  const parts = [radioGroup("from", "From: which savegame?", fromOptions, from?.key, choose("from"))];
+  if (!fromOptions.some(isPossible)) {
+    parts.push(paragraph("To move a savegame, add the images or the data file that hold it.", "warning"));
+  } else if (!from) {
+    parts.push(paragraph("Choose which savegame it is."));
+  } else if (intoOptions.length === 0) {
+    parts.push(paragraph("Add the image that the savegame shall go into."));
+  } else {
+    parts.push(radioGroup("into", "Into: where shall it go?", intoOptions, into?.key, choose("into")));
+    parts.push(...(into ? makeParts(plan) : [paragraph("Choose where it shall go.")]));
   }
-  if (from && into) {
-    const concerns = findConcerns(from.savegame);
-    if (into.savegame && hasSavegame(into.savegame)) parts.push(comparison(from, into));
-    if (concerns.length > 0) parts.push(concernBox(concerns));
-    parts.push(element("p", { className: "buttons" }, makeButton(plan, concerns)));
-  }
+  const failure = byId("make-failure")?.firstChild;
   byId("move-choices").replaceChildren(...parts);
+  if (failure) byId("make-failure")?.append(failure);
   byId("result").replaceChildren(...(made ? [transferResult(made, saveFile)] : []));
 }
 
-function flagProblems({ flags, given, absent, missing = [], output }) {
+function flagParts({ flags, given, absent, missing = [], output }) {
   const problems = [];
   const hasFailed = output !== undefined && !flags;
   if (given > 0 && absent.length > 0) problems.push(`For the flags, these sources are missing: ${absent.join(", ")}.`);
-  if (missing.length > 0) problems.push(`Looked for and not found: ${missing.join(", ")}.`);
-  if (hasFailed) problems.push("A source could not be read, so there are no flags.");
+  if (missing.length > 0)
+    problems.push(`Looked for and not found: ${missing.join(", ")}. Add the whole folder generated.`);
+  if (hasFailed) problems.push("The flags could not be read from these sources.");
   if (flags?.game.length === 0) problems.push("No game flags were found: is the right file used as scr_flags.asm?");
-  if (flags?.world.length === 0)
+  if (flags?.world.length === 0) {
     problems.push("No world flags were found: is the right file used as scr_globaldefines.asm?");
-  const parts = problems.map((text) => paragraph(text, "warning"));
-  return hasFailed ? [...parts, programOutput(output)] : parts;
-}
-
-function flagSearch(flags) {
-  const tables = element("div", { id: "flags" }, flagTables(flags, choices.search));
-  const oninput = ({ target }) => {
-    choices.search = target.value;
-    tables.replaceChildren(...flagTables(flags, choices.search));
-  };
-  const field = element("input", { type: "search", id: "flag-search", value: choices.search, oninput });
-  return [element("label", { className: "select" }, "Search the flags", field), tables];
+  }
+  const hint = `To see every flag of the game by its name, also add the game’s sources: ${absent.join(", ")}, and the folder generated.`;
+  return [
+    ...problems.map((text) => paragraph(text, "warning")),
+    given === 0 ? paragraph(hint) : "",
+    hasFailed ? programOutput(output) : "",
+    ...(flags ? flagTables(flags, choices.search, (text) => (choices.search = text)) : []),
+  ];
 }
 
 function renderReport() {
@@ -263,12 +356,8 @@ function renderReport() {
   if (!shown) return;
   const options = plan.media.map(({ key, title }) => [key, title]);
   const show = (key) => enqueue(() => void (choices.shown = key));
-  byId("report").replaceChildren(
-    select("shown", "Savegame in", options, shown.key, show),
-    ...savegameReport(shown.savegame),
-    ...flagProblems(flagReport),
-    ...(flagReport.flags ? flagSearch(flagReport.flags) : []),
-  );
+  const list = select("shown", "Savegame in", options, shown.key, show);
+  byId("report").replaceChildren(list, ...savegameReport(shown.savegame), ...flagParts(flagReport));
 }
 
 /** A command line as one types it, with quotes around names that need them. */
@@ -279,20 +368,23 @@ function commandLine(args) {
 function renderLog() {
   byId("log").hidden = log.length === 0;
   if (!byId("log-details").open) return;
-  const entries = log.flatMap(({ purpose, args, exitStatus, output }, i) => [
-    purpose === log[i - 1]?.purpose ? "" : element("h3", {}, purpose),
-    element("pre", {}, `$ ${commandLine(args)}\n${output}\n(exit status ${exitStatus})`),
+  const entries = log.flatMap((entry, i) => [
+    entry.purpose === log[i - 1]?.purpose ? "" : element("h3", {}, entry.purpose),
+    element("pre", {}, `$ ${commandLine(entry.args)}\n${entry.output}\n(exit status ${entry.exitStatus})`),
   ]);
   byId("log-entries").replaceChildren(...entries);
 }
 
 function render() {
   const focused = document.activeElement?.id;
+  const opened = [...document.querySelectorAll("details[id][open]")].map(({ id }) => id);
   renderFiles();
   renderMove();
   renderReport();
   renderLog();
-  if (focused) (byId(focused) ?? byId("files-heading")).focus();
+  for (const id of opened) byId(id)?.setAttribute("open", "");
+  byId(focused)?.focus();
+  if (focused && document.activeElement?.id !== focused) byId("files-heading").focus();
 }
 
 function start() {
@@ -311,11 +403,13 @@ function start() {
     event.preventDefault();
     document.body.classList.add("dragging");
   });
-  addEventListener("dragleave", ({ relatedTarget }) => relatedTarget ?? document.body.classList.remove("dragging"));
+  addEventListener("dragleave", ({ relatedTarget }) => {
+    if (!relatedTarget) document.body.classList.remove("dragging");
+  });
   addEventListener("drop", (event) => {
     event.preventDefault();
     document.body.classList.remove("dragging");
-    addFiles(filesOfDrop(event.dataTransfer));
+    if (event.dataTransfer.types.includes("Files")) addFiles(filesOfDrop(event.dataTransfer));
   });
 }
 

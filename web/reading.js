@@ -4,6 +4,7 @@ import { formatSize } from "./media.js";
 import { dataBlock, fileSizeLimit, fromBase64 } from "./program.js";
 
 const fileCountLimit = 200; // of a folder
+const walkLimit = 5000; // files of a folder that are looked at, to choose among them
 const totalSizeLimit = 2 * fileSizeLimit; // in bytes
 
 /** The files of a folder, by the handles that Chromium has. */
@@ -28,16 +29,25 @@ async function* walkEntry(entry, path) {
   }
 }
 
+/** Of the files of a folder, those that are most likely of use. */
+function chooseLikely(files) {
+  const rank = ({ path }) =>
+    ["d64|reu|georam|neoram|ybn|fbn|dat", "asm|inc"].findIndex((ends) => new RegExp(`\\.(${ends})$`, "i").test(path));
+  const ranked = [0, 1, -1].flatMap((wanted) => files.filter((file) => rank(file) === wanted));
+  return { files: ranked.slice(0, fileCountLimit), leftOut: Math.max(0, files.length - fileCountLimit) };
+}
+
 async function readFolder({ file, entry, handle }) {
-  const walk = handle ? walkHandle(await handle, entry.name) : walkEntry(entry, entry.name);
   const files = [];
   try {
+    const walk = handle ? walkHandle(await handle, entry.name) : walkEntry(entry, entry.name);
     for await (const found of walk) {
-      if (files.push(found) === fileCountLimit) break;
+      if (files.push(found) === walkLimit) break;
     }
-    return files;
+    return chooseLikely(files);
   } catch {
-    return [{ file, path: entry.name }]; // the folder as a file, which cannot be read
+    const unreadable = file ?? new File([], entry.name);
+    return { files: [...files, { file: unreadable, path: entry.name, isUnreadable: true }], leftOut: 0 };
   }
 }
 
@@ -45,35 +55,39 @@ async function readFolder({ file, entry, handle }) {
 export async function filesOfDrop({ items }) {
   const dropped = [...items]
     .filter(({ kind }) => kind === "file")
-    .map((item) => ({
-      file: item.getAsFile(),
-      entry: item.webkitGetAsEntry?.(),
-      handle: item.getAsFileSystemHandle?.(),
-    }));
-  const files = await Promise.all(
-    dropped.map((item) => (item.entry?.isDirectory ? readFolder(item) : [{ file: item.file, path: item.file.name }])),
-  );
-  return files.flat();
+    .map((item) => {
+      const entry = item.webkitGetAsEntry?.();
+      return { file: item.getAsFile(), entry, handle: entry?.isDirectory ? item.getAsFileSystemHandle?.() : undefined };
+    });
+  const read = (item) => {
+    return item.entry?.isDirectory
+      ? readFolder(item)
+      : { files: [{ file: item.file, path: item.file.name }], leftOut: 0 };
+  };
+  const found = await Promise.all(dropped.map(read));
+  return {
+    files: found.flatMap(({ files }) => files),
+    leftOut: found.reduce((sum, { leftOut }) => sum + leftOut, 0),
+  };
 }
 
 /** The files that were chosen in an input element. */
 export function filesOfInput({ files }) {
   const all = [...files].map((file) => ({ file, path: file.webkitRelativePath || file.name }));
-  return all.some(({ file }) => file.webkitRelativePath) ? all.slice(0, fileCountLimit) : all;
+  return all.some(({ file }) => file.webkitRelativePath) ? chooseLikely(all) : { files: all, leftOut: 0 };
 }
 
 /** The examples, which the page contains compressed. */
-export function exampleFiles() {
-  return Promise.all(
-    Object.entries(JSON.parse(dataBlock("examples"))).map(async ([path, compressed]) => {
-      const stream = new Blob([fromBase64(compressed)]).stream().pipeThrough(new DecompressionStream("gzip"));
-      return { file: new File([await new Response(stream).blob()], path.split("/").pop()), path };
-    }),
-  );
+export async function exampleFiles() {
+  const unpack = async ([path, compressed]) => {
+    const stream = new Blob([fromBase64(compressed)]).stream().pipeThrough(new DecompressionStream("gzip"));
+    return { file: new File([await new Response(stream).blob()], path.split("/").pop()), path: `examples/${path}` };
+  };
+  return { files: await Promise.all(Object.entries(JSON.parse(dataBlock("examples"))).map(unpack)), leftOut: 0 };
 }
 
 /** The bytes of a file, or the problem in words if it cannot be read. `sizeBefore` is that of all files so far. */
-export async function readBytes({ file }, sizeBefore) {
+export async function readBytes({ file, isUnreadable }, sizeBefore) {
   if (file.size > fileSizeLimit) {
     return { problem: `This file is too large: it has ${formatSize(file.size)}; at most 256 MiB can be read.` };
   }
@@ -81,8 +95,9 @@ export async function readBytes({ file }, sizeBefore) {
     return { problem: "There is no room for this file: all files together can have 512 MiB. Remove others first." };
   }
   try {
-    return { bytes: new Uint8Array(await file.arrayBuffer()) };
+    if (!isUnreadable) return { bytes: new Uint8Array(await file.arrayBuffer()) };
   } catch {
-    return { problem: "This file cannot be read. If it is a folder, choose it with the button “Choose a folder”." };
+    // A folder, or a file that is gone or locked
   }
+  return { problem: "This file cannot be read. If it is a folder, choose it with the button “Choose a folder”." };
 }

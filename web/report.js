@@ -52,21 +52,28 @@ export function parseReport(output) {
   return splitDiscs(output).map(parseDisc);
 }
 
-/** Name and value of each flag. A name may contain anything, even line breaks. */
+/** Name and value of each flag. */
 function parseFlags(text) {
   return [...text.matchAll(/(.*?) = (-?\d+)\n/gs)].map(([, name, value]) => ({ name, value }));
 }
 
+/** The flags of disc 2 with the values of both discs. */
+function mergeFlags(disc2, disc3) {
+  return disc2.map(({ name, value }, i) => ({ name, values: [value, disc3[i].value] }));
+}
+
 /**
- * The flags by name, with their values on both discs, from what `check` printed with the game's sources.
+ * The flags by name, from what `check` printed with the game's sources. Nothing if the lists of both discs have different
+ * names, since a name with line breaks can look like anything.
  *
- * @returns {{game: {name: string, values: string[]}[], world: {name: string, values: string[]}[]}}
+ * @returns {{game: {name: string, values: string[]}[], world: {name: string, values: string[]}[]} | undefined}
  */
 export function parseFlagReport(output) {
-  const discs = splitDiscs(output).map((text) => {
+  const [disc2, disc3] = splitDiscs(output).map((text) => {
     const [game, world] = splitAt(splitAt(text, ">>gameflags:\n")[1], ">>worldflags:\n");
     return { game: parseFlags(game), world: parseFlags(world) };
   });
-  const merge = (disc2, disc3) => disc2.map(({ name, value }, i) => ({ name, values: [value, disc3[i].value] }));
-  return { game: merge(discs[0].game, discs[1].game), world: merge(discs[0].world, discs[1].world) };
+  const namesOf = ({ game, world }) => JSON.stringify([game, world].map((flags) => flags.map(({ name }) => name)));
+  if (namesOf(disc2) !== namesOf(disc3)) return undefined;
+  return { game: mergeFlags(disc2.game, disc3.game), world: mergeFlags(disc2.world, disc3.world) };
 }

@@ -1,7 +1,7 @@
 // The parts of the page that follow from files and choices. Each function makes elements, and knows no state.
 import { floppyRoles, sideNames, sourceRoles } from "./choices.js";
 import { button, element, paragraph, select, table, withBreaks } from "./elements.js";
-import { formatSize } from "./media.js";
+import { formatNumber, formatSize } from "./media.js";
 
 const kindNames = {
   floppy: "Floppy image of 40 tracks",
@@ -16,7 +16,7 @@ const partNames = ["part 1 (flags)", "part 2 (money, lives, items)"];
 
 function describeState({ state, damagedPages }) {
   if (state === "none") return "no savegame";
-  if (state === "good") return "savegame, checksums right";
+  if (state === "good") return "savegame, undamaged (checksums right)";
   return `savegame, ${damagedPages.map((page) => partNames[page]).join(" and ")} damaged (wrong checksum)`;
 }
 
@@ -56,7 +56,7 @@ function roleSelect(file, plan, onrole) {
 }
 
 function removeButton(file, onremove) {
-  return button(`remove-${file.id}`, "Remove", () => onremove(file), { "aria-label": `Remove ${file.path}` });
+  return button(`remove-${file.id}`, "Remove", () => onremove(file), { "aria-label": `Remove ${file.title}` });
 }
 
 /** A file in the list: what it is, what it holds, what it is used as. */
@@ -68,7 +68,7 @@ function fileItem(file, plan, { onrole, onremove }) {
   return element(
     "li",
     { className: `file ${file.kind}` },
-    element("div", { className: "file-head" }, element("h3", {}, file.path), removeButton(file, onremove)),
+    element("div", { className: "file-head" }, element("h3", {}, file.title), removeButton(file, onremove)),
     paragraph(`${kindNames[file.kind]}, ${formatSize(file.size)}`, "kind"),
     contentSummary(file),
     tail > 0 ? paragraph(tailNote) : "",
@@ -83,48 +83,55 @@ export function fileList(files, plan, actions) {
   const items = (isListed) => files.filter(isListed).map((file) => fileItem(file, plan, actions));
   const sources = items(({ kind }) => kind === "source");
   const media = items(({ kind }) => kind !== "source");
-  const title = `Sources of the game, and other texts: ${sources.length}`;
+  const summary = element(
+    "summary",
+    { id: "sources-summary" },
+    `Sources of the game, and other texts: ${sources.length}`,
+  );
+  const folded = element("details", { id: "sources" }, summary, element("ul", { className: "files" }, sources));
   return [
     element("ul", { className: "files" }, media),
-    sources.length > 0
-      ? element(
-          "details",
-          { id: "sources" },
-          element("summary", {}, title),
-          element("ul", { className: "files" }, sources),
-        )
-      : "",
+    sources.length > 0 ? folded : "",
+    files.length > 1 ? button("remove-all", "Remove all files", actions.onremoveall) : "",
   ];
 }
 
-/** What is known about the floppy images together: which disc is missing, and that the order is a guess. */
-export function discNotes(plan, onswap) {
+const groundsInWords = {
+  chosen: "As you have chosen",
+  names: "This is a guess from their names",
+  order: "Nor do their names, so this may be wrong",
+};
+
+/** What is known about the floppy images together: which disc is missing, and on what grounds they have their order. */
+export function discNotes(files, plan, onswap) {
   const sides = sideNames(plan);
-  return plan.pairs.map(({ side, disc2, disc3, isSame, isGuess }) => {
+  const notes = plan.pairs.map(({ side, disc2, disc3, isSame, grounds }) => {
     const which = plan.pairs.length > 1 ? ` of the ${sides[side]}` : "";
     if (!disc2 || !disc3) {
-      const given = disc2 ?? disc3;
       return paragraph(
-        `Disc ${disc2 ? 3 : 2}${which} is missing: ${given.path} is one floppy image of two. Please add the other one.`,
+        `Disc ${disc2 ? 3 : 2}${which} is missing: please add it. (The images do not say which disc they are. If ` +
+          `${(disc2 ?? disc3).title} is not disc ${disc2 ? 2 : 3}, choose above what it is used as.)`,
         "warning",
       );
     }
     if (isSame) {
-      return paragraph(
-        `${disc2.path} and ${disc3.path} are the same file: one of them is the wrong disc. Nothing can be moved with them.`,
-        "warning",
-      );
+      const text = `${disc2.title} and ${disc3.title} have the same contents: one of them is the wrong disc. Nothing can be moved with them.`;
+      return paragraph(text, "warning");
     }
     return element(
       "div",
-      { className: "note" },
+      { className: grounds === "order" ? "warning" : "note" },
       paragraph(
-        `The images do not say which disc they are. ${isGuess ? "This is a guess from their names" : "As you have chosen"}: ` +
-          `${disc2.path} is disc 2${which}, and ${disc3.path} is disc 3.`,
+        `The images do not say which disc they are. ${groundsInWords[grounds]}: ${disc2.title} is disc 2${which}, and ` +
+          `${disc3.title} is disc 3.`,
       ),
       button(`swap-${side}`, `Swap disc 2 and disc 3${which}`, () => onswap(disc2, disc3)),
     );
   });
+  const isUnused = files.some(({ kind }) => kind === "floppy") && plan.pairs.length === 0;
+  return isUnused
+    ? [paragraph("Please add the images of disc 2 and disc 3: these have the savegame.", "warning")]
+    : notes;
 }
 
 /** The savegame in the target beside the one that replaces it. */
@@ -140,33 +147,38 @@ export function comparison(from, into) {
       row("items", (side) => (side.state === "none" ? "–" : String(countUsedItems(side)))),
     ];
   });
-  return table(`${into.title} holds a savegame already`, ["Value", "There now", "After the transfer"], rows);
+  return table(`In the copy of ${into.title}, this savegame is replaced`, ["Value", "There now", "In the copy"], rows);
 }
 
 /** What the comparisons of a transfer have shown. */
 function proofsOf({ files, from, into }) {
   if (into.key === "data") {
     return [
-      `Put back into a copy of ${from.title}, the data file gives exactly ${from.title}: nothing is missing in it.`,
+      "Compared: a copy with another savegame, into which this file was put, equals " +
+        `${from.title}. The file holds the whole savegame.`,
     ];
   }
+  const changes = files.map(({ name, bytes, changedBytes, tailSize }, i) => {
+    const oldTitle = into.files[i].title;
+    const change = `${formatNumber(changedBytes)} of ${formatSize(bytes.length)} changed between ${oldTitle} and ${name}.`;
+    return tailSize > 0
+      ? `${change} Its last ${tailSize} bytes are the error bytes of ${oldTitle}, unchanged.`
+      : change;
+  });
   return [
-    "All 1,024 bytes of the savegame are equal: what was put in comes out again.",
-    ...files.map(
-      ({ name, bytes, oldName, changedBytes, tailSize }) =>
-        `${changedBytes} of ${formatSize(bytes.length)} changed between ${oldName} and ${name}.` +
-        (tailSize > 0 ? ` Its last ${tailSize} bytes are the error bytes of ${oldName}, unchanged.` : ""),
-    ),
-    `With the old savegame put back, ${files.length > 1 ? "they equal" : "it equals"} ${into.title}: nothing else has changed.`,
+    `Compared: what comes out of it is the savegame of ${from.title}. All 1,024 bytes are equal.`,
+    ...changes,
+    `Compared: with its old savegame put back, it equals ${into.title}. Nothing but the savegame has changed.`,
   ];
 }
 
 function nextSteps({ files, into }) {
   if (into.key === "data") {
-    return ["Keep the file: it holds the whole savegame. Given to this page, it can be put into an image at any time."];
+    return ["Keep the file as a backup. Given to this page, it can be put into an image at any time."];
   }
   return [
     "Close the emulator first. When it ends, it may write its own contents over a file.",
+    files.length > 1 ? "Save both new images: the game needs both." : "Save the new image.",
     `In the emulator, use the new ${files.length > 1 ? "images" : "image"} in place of ${into.title}.`,
     `Keep ${into.title} until the game has loaded the savegame.`,
   ];
@@ -176,17 +188,15 @@ function nextSteps({ files, into }) {
 export function transferResult(made, onsave) {
   const names = made.files.map(({ name }) => name).join(" and ");
   const hasFloppies = [made.from, made.into].some(({ medium }) => medium?.command === "d64");
-  const unchecked = [
-    hasFloppies ? "whether disc 2 and disc 3 are in the right order, and " : "",
-    "whether the game loads it",
-  ];
+  const order = hasFloppies ? "whether disc 2 and disc 3 are in the right order, and " : "";
   const items = (texts) => texts.map((text) => element("li", {}, text));
   return element(
     "div",
     { className: "success" },
-    element("h3", { id: "result-heading", tabIndex: -1 }, `Compared and ready to be saved: ${names}`),
+    element("h3", { id: "result-heading", tabIndex: -1 }, `Ready to be saved: ${names}`),
+    made.concerns.map((concern) => paragraph(`As before: ${concern}`, "warning")),
     element("ul", {}, items(proofsOf(made))),
-    paragraph(`Not checked: ${unchecked.join("")}.`),
+    paragraph(`Not checked: ${order}whether the game loads it.`),
     element(
       "p",
       { className: "buttons" },
@@ -209,17 +219,18 @@ function slotTable(caption, slots) {
   );
 }
 
-function slotTables(disc, title) {
+function slotTables(disc, number) {
+  if (disc.state === "none") return [];
+  const title = `Disc ${number}`;
+  const used = disc.inventory.filter(({ isUsed }) => isUsed);
   const unused = disc.inventory.filter(({ isUsed }) => !isUsed);
+  const summary = `Inventory slots that are not in use: ${unused.length}`;
   return [
-    slotTable(
-      `${title}: inventory`,
-      disc.inventory.filter(({ isUsed }) => isUsed),
-    ),
+    slotTable(`${title}: inventory`, used),
     element(
       "details",
-      {},
-      element("summary", {}, `Inventory slots that are not in use: ${unused.length}`),
+      { id: `unused-${number}` },
+      element("summary", { id: `unused-summary-${number}` }, summary),
       slotTable(`${title}: not in use`, unused),
     ),
     slotTable(`${title}: chest`, disc.chest),
@@ -236,36 +247,55 @@ const valueNames = {
 };
 const shownAsState = ["validsavegame", "checkSumPage0", "checkSumPage1"];
 
-/** The values of both discs side by side, and the items of each. */
+/** The values of both discs side by side, and the items of each. A disc without a savegame has none. */
 export function savegameReport({ discs }) {
+  const badges = discs.map((disc, i) => paragraph([`Disc ${i + 2} `, stateBadge(disc)]));
+  if (discs.every(({ state }) => state === "none")) return badges;
   const hasOtherPlace = (name) => shownAsState.includes(name) || name in valueNames;
   const otherNames = [...discs[0].fields.keys()].filter((name) => !hasOtherPlace(name));
-  const row = (name, title) => [title, ...discs.map(({ fields }) => fields.get(name))];
+  const row = (name, title) => [
+    title,
+    ...discs.map(({ state, fields }) => (state === "none" ? "–" : fields.get(name))),
+  ];
   const rows = [
     ...Object.entries(valueNames).map(([name, title]) => row(name, title)),
     ...otherNames.map((name) => row(name, withBreaks(name))),
   ];
   return [
-    ...discs.map((disc, i) => paragraph([`Disc ${i + 2} `, stateBadge(disc)])),
+    ...badges,
     table("Values", ["Value", ...discColumns], rows),
     element(
       "div",
       { className: "columns" },
-      discs.map((disc, i) => element("div", {}, slotTables(disc, `Disc ${i + 2}`))),
+      discs.map((disc, i) => element("div", {}, slotTables(disc, i + 2))),
     ),
     paragraph("The chest does not say which of its slots are in use.", "kind"),
   ];
 }
 
-/** The flags whose names contain the text. */
-export function flagTables(flags, text) {
-  const fits = ({ name }) => name.toLowerCase().includes(text.toLowerCase());
-  return [
-    ["Game flags", flags.game],
-    ["World flags", flags.world],
-  ].map(([title, all]) => {
-    const found = all.filter(fits);
-    const rows = found.map(({ name, values }) => [withBreaks(name), ...values]);
-    return table(`${title}: ${found.length} of ${all.length}`, ["Flag", ...discColumns], rows);
-  });
+/** A table of flags, and a function that shows only those whose names contain a text. */
+function flagTable(title, flags) {
+  const rows = flags.map(({ name, values }) => [withBreaks(name), ...values]);
+  const made = table(title, ["Flag", ...discColumns], rows);
+  const caption = made.querySelector("caption");
+  const shownRows = made.querySelectorAll("tbody tr");
+  const filter = (text) => {
+    const isShown = flags.map(({ name }) => name.toLowerCase().includes(text.toLowerCase()));
+    isShown.forEach((shown, i) => (shownRows[i].hidden = !shown));
+    caption.textContent = `${title}: ${isShown.filter(Boolean).length} of ${flags.length}`;
+  };
+  return { made, filter };
+}
+
+/** All flags, with a field to search them, which begins with the text. */
+export function flagTables(flags, text, onsearch) {
+  const tables = [flagTable("Game flags", flags.game), flagTable("World flags", flags.world)];
+  const search = (wanted) => tables.forEach(({ filter }) => filter(wanted));
+  const oninput = ({ target }) => {
+    search(target.value);
+    onsearch(target.value);
+  };
+  const field = element("input", { type: "search", id: "flag-search", value: text, oninput });
+  search(text);
+  return [element("label", { className: "select" }, "Search the flags", field), ...tables.map(({ made }) => made)];
 }
