@@ -6,7 +6,7 @@ cd "$(dirname "$0")/.."
 scripts/install.sh cmake ninja-build g++ clang clang-format clang-tidy cppcheck shellcheck libgtest-dev libbenchmark-dev
 mapfile -t sources < <(git ls-files '*.cpp')
 mapfile -t headers < <(git ls-files '*.h')
-mapfile -t scripts < <(git grep -lE '^#!.*(bash|sh)$')
+mapfile -t scripts < <(git grep -lE '^#!.*(bash|sh)$' && git ls-files '*.bash')
 
 clang-format --dry-run --Werror "${sources[@]}" "${headers[@]}"
 shellcheck "${scripts[@]}"
