@@ -38,9 +38,9 @@ try() {
     rm -rf now/*
     cp old/* now
     runIn now "$@" || status=$?
-    [ "$status" = "$expected" ] || fail "$*" "exit status $expected" "$status"
     # shellcheck disable=SC2053 # it is a pattern
-    [[ $(tr -d '\0' <output) == $pattern ]] || fail "$*" "output $pattern" "does not match"
+    [[ $status = "$expected" && $(tr -d '\0' <output) = $pattern ]] ||
+        fail "$*" "exit status $expected, output $pattern" "exit status $status"
     for medium in disc2.d64 disc3.d64 game.reu; do
         size=$(stat -c %s now/$medium)
         [ "$size" = "$(stat -c %s old/$medium)" ] || fail "$*" "$medium keeps its size" "$size bytes"
