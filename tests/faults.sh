@@ -24,7 +24,7 @@ failed=0
 # fail COMMAND EXPECTED ACTUAL: reports a failure, with the start of what was printed
 fail() {
     printf 'FAILED: %s\n  expected: %s\n  actual:   %s\n' "$@"
-    sed 's/^/  printed:  /' output | head -n 20
+    awk 'NR <= 20 { print "  printed:  " $0 }' output
     failed=1
 }
 # runIn FOLDER COMMAND...: what it prints goes to the file "output"; the status 124 means that the time was up
