@@ -100,11 +100,9 @@ try 0 '*!File:<game.reu> not creatable.*' bash -c "chmod 444 ./* && $asNobody $p
 try 1 '*!include_problem loading flags files*' bash -c "mkdir generated && : >generated/f && chmod 0 'generated\\f' &&
     exec $asNobody $program check savegame.dat /dev/null /dev/null sections"
 
-echo "== If one disc cannot be written, the other one still is"
+echo "== If disc 2 cannot be written, disc 3 still is"
 try 0 '*!File:</dev/stdin> not creatable.' bash -c "cat disc2.d64 |
     $program implantd64 savegame.dat /dev/stdin disc3.d64 && cmp {.,../new}/disc3.d64"
-try 0 '*!File:</dev/stdin> not creatable.' bash -c "cat disc3.d64 |
-    $program implantd64 savegame.dat disc2.d64 /dev/stdin && cmp {.,../new}/disc2.d64"
 
 echo "== Files are pipes or devices, or end before their size says"
 try 0 '*!' bash -c "cat ../new/game.reu | $program extractreu /dev/stdin a && cmp a savegame.dat"
@@ -119,8 +117,8 @@ if (cd now && ulimit -v 300000 && $program) &>/dev/null; then # with AddressSani
     head -c 25000000 /dev/zero | tr '\0' '#' >old/comments # of which 300,000 KiB is 12 times the size
     try 0 '*' bash -c "ulimit -v 300000 && exec $program check savegame.dat comments comments comments"
     try 1 '*' bash -c "ulimit -v 300000 && exec $program check savegame.dat /dev/zero no no"
-    # Included 40 times, this gives 20,000,000 tokens.
-    try 0 '*' bash -c "yes W | head -n 250000 >'generated\\f' &&
+    # Included 40 times, this gives 12,000,000 tokens.
+    try 0 '*' bash -c "yes W | head -n 150000 >'generated\\f' &&
         ulimit -v 300000 && exec $program check savegame.dat sections sections sections"
     # One byte less than what is refused for its size
     try 1 '*mmap*, 2147*ENOMEM*not a valid Zarnis*' bash -c "truncate -s 2147483647 huge &&
