@@ -117,9 +117,9 @@ if (cd now && ulimit -v 300000 && $program) &>/dev/null; then # with AddressSani
     head -c 25000000 /dev/zero | tr '\0' '#' >old/comments # of which 300,000 KiB is 12 times the size
     try 0 '*' bash -c "ulimit -v 300000 && exec $program check savegame.dat comments comments comments"
     try 1 '*' bash -c "ulimit -v 300000 && exec $program check savegame.dat /dev/zero no no"
-    # Included 40 times, this gives 12,000,000 tokens.
-    try 0 '*' bash -c "yes W | head -n 150000 >'generated\\f' &&
-        ulimit -v 300000 && exec $program check savegame.dat sections sections sections"
+    # Included 40 times, this makes 120 MB of tokens.
+    try 0 '*' bash -c "head -c 3000000 /dev/zero | tr '\0' W >'generated\\f' &&
+        ulimit -v 100000 && exec $program check savegame.dat sections sections sections"
     # One byte less than what is refused for its size
     try 1 '*mmap*, 2147*ENOMEM*not a valid Zarnis*' bash -c "truncate -s 2147483647 huge &&
         ulimit -v 300000 && exec $strace -e trace=%memory $program extractreu huge a"
