@@ -49,11 +49,11 @@ try() {
     done
 } 2>/dev/null # where the shell reports killed programs
 
-# inject STATUS FAULT CALL "FILE..." COMMAND: COMMAND once for each CALL that it makes on the files, which gets the FAULT
+# inject STATUS FAULT CALL "FILE..." COMMAND: COMMAND once for each CALL on the files that it makes, which gets the FAULT
 inject() {
     local expected=$1 fault=$2 call=$3 files="-P ${4// / -P }" command=$5 calls n
     try 0 '*' "$strace" -o ../calls -e "trace=$call" $files $program $command
-    calls=$(grep -c "^$call(" calls) || fail "$command" "calls $call on $4" "no such call"
+    calls=$(grep -c "^$call(" calls) || fail "$command" "calls of $call on $4" "none"
     echo "$fault in each of $calls calls of $call: $command"
     for ((n = 1; n <= calls; n++)); do
         try "$expected" '*' "$strace" -e "inject=$call:$fault:when=$n" $files $program $command
