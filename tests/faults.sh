@@ -49,7 +49,7 @@ try() {
     done
 } 2>/dev/null # where the shell reports killed programs
 
-# inject STATUS FAULT CALL "FILE..." COMMAND: COMMAND once for each CALL on the files that it makes, which gets the FAULT
+# inject STATUS FAULT CALL "FILE..." COMMAND: COMMAND once for each of its CALLs on the files, which gets the FAULT
 inject() {
     local expected=$1 fault=$2 call=$3 files="-P ${4// / -P }" command=$5 calls n
     try 0 '*' "$strace" -o ../calls -e "trace=$call" $files $program $command
