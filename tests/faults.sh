@@ -28,7 +28,7 @@ fail() {
     failed=1
 }
 # runIn FOLDER COMMAND...: what it prints goes to the file "output"; the status 124 means that the time was up
-runIn() { (cd "$1" && exec timeout 30 "${@:2}") &>output; }
+runIn() { (cd "$1" && exec timeout 120 "${@:2}") &>output; }
 changedBytes() { (cmp -l "old/$2" "$1/$2" || [ $? = 1 ]) | sort; }
 
 # try STATUS PATTERN COMMAND...: runs COMMAND on fresh media, and checks its exit status, its output and the media
@@ -114,12 +114,12 @@ inject 0 retval=0 read disc2.d64 "${extracts[0]}"
 echo "== Few files can be open, and little memory is left"
 try 0 '*' bash -c "ulimit -n 20 && exec $program check savegame.dat savegame.dat savegame.dat sections"
 if (cd now && ulimit -v 300000 && $program) &>/dev/null; then # with AddressSanitizer, that is not enough to start
-    head -c 25000000 /dev/zero | tr '\0' '#' >old/comments # of which 300,000 KiB is 12 times the size
-    try 0 '*' bash -c "ulimit -v 300000 && exec $program check savegame.dat comments comments comments"
+    head -c 10000000 /dev/zero | tr '\0' '#' >old/comments # of which 120,000 KiB is 12 times the size
+    try 0 '*' bash -c "ulimit -v 120000 && exec $program check savegame.dat comments comments comments"
     try 1 '*' bash -c "ulimit -v 300000 && exec $program check savegame.dat /dev/zero no no"
-    # Included 40 times, this makes 120 MB of tokens.
-    try 0 '*' bash -c "head -c 3000000 /dev/zero | tr '\0' W >'generated\\f' &&
-        ulimit -v 100000 && exec $program check savegame.dat sections sections sections"
+    # Included 40 times, this makes 80 MB of tokens.
+    try 0 '*' bash -c "head -c 2000000 /dev/zero | tr '\0' W >'generated\\f' &&
+        ulimit -v 70000 && exec $program check savegame.dat sections sections sections"
     # One byte less than what is refused for its size
     try 1 '*mmap*, 2147*ENOMEM*not a valid Zarnis*' bash -c "truncate -s 2147483647 huge &&
         ulimit -v 300000 && exec $strace -e trace=%memory $program extractreu huge a"
