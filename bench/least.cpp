@@ -4,9 +4,10 @@
 
 int main(int /*argumentCount*/, char* arguments[]) {
     std::FILE* const file = std::fopen(arguments[1], "rb");
+    if (file == nullptr) return 1;
     std::setvbuf(file, nullptr, _IONBF, 0);
     std::fseek(file, 0, SEEK_END);
     std::vector<char> bytes(static_cast<std::size_t>(std::ftell(file)));
-    std::rewind(file);
+    std::fseek(file, 0, SEEK_SET);
     return std::fread(bytes.data(), 1, bytes.size(), file) == bytes.size() ? 0 : 1;
 }

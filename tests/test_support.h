@@ -2,7 +2,6 @@
 #pragma once
 
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <array>
@@ -10,6 +9,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <random>
 #include <sstream>
 #include <string>
 #include <utility>
@@ -82,53 +82,69 @@ inline std::string withoutSymbols(std::string text) {
 inline void expectSession(const std::string& file) {
     const std::string path = PROJECT_FOLDER "/tests/" + file;
     const std::vector<std::string> expected = linesOf(readFile(path));
-    std::string session;
+    std::vector<std::string> actual;
     for (const std::string& line : expected) {
-        if (line.starts_with("#") || line.starts_with("$ ")) session += line + "\n";
-        if (line.starts_with("$ write ")) {
-            const std::size_t nameEnd = line.find(' ', 8);
-            writeFile(line.substr(8, nameEnd - 8), withoutSymbols(line.substr(nameEnd + 1)));
-        }
-        if (line.starts_with("$ stashkeep ")) {
-            std::istringstream words(line.substr(12));
-            session += run({std::istream_iterator<std::string>(words), {}}) + "\n";
+        if (line.starts_with("#") || line.starts_with("$ ")) actual.push_back(line);
+        if (!line.starts_with("$ ")) continue;
+        std::istringstream words(line.substr(2));
+        std::string command;
+        std::string name;
+        std::string text;
+        words >> command;
+        if (command == "stashkeep") {
+            const std::vector<std::string> arguments{std::istream_iterator<std::string>(words), {}};
+            for (const std::string& printed : linesOf(run(arguments))) actual.push_back(printed);
+        } else if (command == "write" && words >> name && std::getline(words.ignore(), text)) {
+            writeFile(name, withoutSymbols(text));
+        } else {
+            ADD_FAILURE() << "Not a command: " << line << "\nin " << path;
         }
     }
-    if (std::getenv("UPDATE_EXPECTED") != nullptr) return writeFile(path, session);
-    const std::vector<std::string> actual = linesOf(session);
+    if (std::getenv("UPDATE_EXPECTED") != nullptr && actual != expected) {
+        std::ofstream stream(path, std::ios::binary);
+        for (const std::string& line : actual) stream << line << '\n';
+        GTEST_SKIP() << path << " was written anew. Review the difference: git diff";
+    }
     for (std::size_t i = 0; i < std::max(actual.size(), expected.size()); ++i) {
         ASSERT_EQ(i < actual.size() ? actual[i] : "(end)", i < expected.size() ? expected[i] : "(end)")
             << "in line " << i + 1 << " of " << path << "\nTo write it anew: UPDATE_EXPECTED=1 ctest --preset dev";
     }
 }
 
-/// The rows of the table in docs/formats.md with this header: the first cell without backticks, the second, the place.
+/// The rows of the table in docs/formats.md with this header: the first cell without backticks, the second, and the
+/// place and the line itself, which show what failed.
 inline std::vector<std::array<std::string, 3>> tableOfFormats(const std::string& header) {
     const std::vector<std::string> lines = linesOf(readFile(PROJECT_FOLDER "/docs/formats.md"));
     std::vector<std::array<std::string, 3>> rows;
     for (auto line = std::find(lines.begin(), lines.end(), header); line != lines.end() && !line->empty(); ++line) {
+        if (*line == header || *line == "|---|---|") continue;
         const std::string row = withoutSymbols(*line);
-        const std::string place = "docs/formats.md:" + std::to_string(line - lines.begin() + 1);
+        const std::string place = "docs/formats.md:" + std::to_string(line - lines.begin() + 1) + ": " + *line;
         const std::size_t end = row.find("` | ");
-        if (end == std::string::npos) continue;  // the header, and the line below it
-        rows.push_back({row.substr(3, end - 3), row.substr(end + 4, row.size() - end - 6), place});
+        if (row.starts_with("| `") && end != std::string::npos && row.ends_with(" |")) {
+            rows.push_back({row.substr(3, end - 3), row.substr(end + 4, row.size() - end - 6), place});
+        } else {
+            ADD_FAILURE() << "Not a row like \"| `text` | result |\": " << place;
+        }
     }
     EXPECT_FALSE(rows.empty()) << header;
     return rows;
 }
 
-/// Creates an empty scratch folder and makes it the current one.
+/// Creates a scratch folder that did not exist, and makes it the current one.
 struct InFolder {
     InFolder() {
-        std::filesystem::remove_all(folder);  // an aborted process of this number may have left one
-        std::filesystem::create_directories(folder / "generated");
+        std::random_device number;
+        do folder = std::filesystem::temp_directory_path() / ("stashkeep" + std::to_string(number()));
+        while (!std::filesystem::create_directory(folder));
+        std::filesystem::create_directory(folder / "generated");
         std::filesystem::current_path(folder);
     }
     ~InFolder() {
         std::filesystem::current_path(folder.parent_path());
         std::filesystem::remove_all(folder);
     }
-    std::filesystem::path folder = std::filesystem::temp_directory_path() / ("stashkeep" + std::to_string(getpid()));
+    std::filesystem::path folder;
 };
 
 }  // namespace stashkeep

@@ -16,7 +16,7 @@ constexpr std::size_t fileSizeLimit = 0x80000000;  // bytes; files of this size 
 constexpr std::size_t leastBufferSize = 0x10000;   // bytes; a buffer that is too small grows to at least this
 
 bool isOfKind(const File& file, mode_t kind) {
-    struct stat status {};
+    struct stat status = {};
     return fstat(fileno(file.get()), &status) == 0 && (status.st_mode & S_IFMT) == kind;
 }
 
@@ -25,13 +25,12 @@ bool isOfKind(const File& file, mode_t kind) {
 bool seek(const File& file, int origin) { return !isOfKind(file, S_IFIFO) && fseeko(file.get(), 0, origin) == 0; }
 
 /// The size of `file` in bytes, or fileSizeLimit if it has more or its size cannot be told; empty if
-/// it is not seekable. Leaves the position at the start.
+/// it is not seekable. Leaves the position at the start; if that fails, the size cannot be told either.
 std::optional<std::size_t> sizeBySeeking(const File& file) {
     if (!seek(file, SEEK_END)) return std::nullopt;
     const off_t size = ftello(file.get());
-    std::rewind(file.get());
     // Compared as off_t, which has 64 bits on 32-bit systems too.
-    if (size < 0 || size > off_t{fileSizeLimit}) return fileSizeLimit;
+    if (size < 0 || size > off_t{fileSizeLimit} || !seek(file, SEEK_SET)) return fileSizeLimit;
     return static_cast<std::size_t>(size);
 }
 
@@ -39,10 +38,13 @@ std::optional<std::size_t> sizeBySeeking(const File& file) {
 /// was read. False on a read error, and if they have reached the file size limit.
 template <typename Bytes>
 bool readUpTo(std::size_t limit, const File& file, Bytes& bytes) {
-    std::size_t count = std::fread(bytes.data(), 1, bytes.size(), file.get());
-    while (count == bytes.size() && count < limit) {
+    std::size_t count = 0;
+    for (;;) {
+        const std::size_t room = bytes.size() - count;
+        const std::size_t added = std::fread(bytes.data() + count, 1, room, file.get());
+        count += added;
+        if (added < room || count == limit) break;  // nothing is read after EOF or an error
         bytes.resize(std::min(std::max(count * 2, leastBufferSize), limit));
-        count += std::fread(bytes.data() + count, 1, bytes.size() - count, file.get());
     }
     bytes.resize(count);
     return count < fileSizeLimit && std::ferror(file.get()) == 0;

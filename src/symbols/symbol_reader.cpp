@@ -17,7 +17,6 @@
 #include <string>
 #include <string_view>
 #include <utility>
-#include <vector>
 
 #include "cli/files.h"
 #include "cli/print_out.h"
@@ -93,8 +92,8 @@ std::int32_t sumOfTerms(std::span<const std::string> statement) {
     return sum;
 }
 
-/// Every statement of an included file defines a flag. Moves the names out of `tokens`.
-void enterWorldFlags(TokenList& tokens) {
+/// Every statement of an included file defines a flag.
+void enterWorldFlags(TokenList tokens) {
     auto entry = worldFlagTable.begin();
     for (auto start = tokens.begin(); start != tokens.end();) {
         const auto stop = std::find(start, tokens.end(), statementEnd);
@@ -110,13 +109,11 @@ void readWorldFlags(const char* path) {
     // Only what this appends to asmSectionText is used.
     static_cast<void>(readTokens(path, splitAsmLine));
     const TokenList sectionTokens = splitLine(asmSectionText);
-    std::vector<TokenList> includedFiles;  // all are read before the first makes an entry
     for (std::size_t i = 0; i < sectionTokens.size(); ++i) {
         printOut("%s_", sectionTokens[i].c_str());
         if (sectionTokens[i] != "include"sv) continue;
-        includedFiles.push_back(readTokens(includedPath(sectionTokens.at(i + 1)).c_str(), splitLine));
+        enterWorldFlags(readTokens(includedPath(sectionTokens.at(i + 1)).c_str(), splitLine));
     }
-    for (TokenList& tokens : includedFiles) enterWorldFlags(tokens);
 }
 
 void readCollectableIds(const char* path) {

@@ -1,6 +1,4 @@
 // Extract from and implant into any memory image. The input is its size in pages, its four pointers and its contents.
-#include <cstring>
-
 #include "test_support.h"
 
 using namespace stashkeep;
@@ -12,9 +10,11 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t siz
     std::string image(data + 17, data + size);
     image.resize(std::size_t{256} * data[0] + 12, 'x');  // 17 pages and 12 bytes is the least valid size
     constexpr std::size_t places[] = {0x900, 0x908, 0x1100, 0x1108};
-    std::uint32_t pages[4];
-    std::memcpy(pages, data + 1, sizeof pages);
-    for (std::size_t i = 0; i < 4 && data[0] >= 17; ++i) std::memcpy(&image[places[i]], &pages[i], 4);
+    std::uint32_t pages[4] = {};
+    for (std::size_t i = 0; i < 16 && data[0] >= 17; ++i) {
+        pages[i / 4] |= std::uint32_t{data[1 + i]} << 8 * (i % 4);
+        image[places[i / 4] + i % 4] = static_cast<char>(data[1 + i]);
+    }
     writeFile("image", image);
     writeFile("data", "older");
     const bool isExtracted = run({"extractreu", "image", "data"}) == "exit status 0";

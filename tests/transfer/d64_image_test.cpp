@@ -1,4 +1,4 @@
-// Savegames between D64 images and data files.
+// Savegames between D64 images and data files; faults.sh tests images that cannot be written.
 #include "test_support.h"
 
 using namespace stashkeep;
