@@ -15,7 +15,16 @@ import {
 import { stashkeep } from "./program.js";
 import { exampleFiles, filesOfDrop, filesOfInput, readBytes } from "./reading.js";
 import { toText } from "./report.js";
-import { comparison, discNotes, fileList, flagTables, programOutput, savegameReport, transferResult } from "./views.js";
+import {
+  comparison,
+  discNotes,
+  fileList,
+  flagTables,
+  programOutput,
+  savegameReport,
+  stateOutput,
+  transferResult,
+} from "./views.js";
 
 let files = []; // what the person gave, each with an id, a title, a name for the program, and what `examine` says
 const choices = {
@@ -272,7 +281,7 @@ function renderFiles() {
   byId("discs").replaceChildren(...discNotes(files, plan, swap));
 }
 
-function concernBox(concerns) {
+function concernBox({ savegame }, concerns) {
   const onchange = ({ target }) => {
     choices.accepted = target.checked ? String(concerns) : "";
     byId("make-button").disabled = !target.checked;
@@ -283,6 +292,7 @@ function concernBox(concerns) {
     "div",
     { className: "warning" },
     concerns.map((concern) => paragraph(concern)),
+    stateOutput(savegame),
     element("label", { className: "option" }, checkbox, element("span", {}, "Move it all the same")),
   );
 }
@@ -298,7 +308,7 @@ function makeParts({ from, into }) {
   const onclick = () => makeFiles({ from, into }, concerns);
   return [
     into.savegame && hasSavegame(into.savegame) ? comparison(from, into) : "",
-    concerns.length > 0 ? concernBox(concerns) : "",
+    concerns.length > 0 ? concernBox(from, concerns) : "",
     element(
       "p",
       { className: "buttons" },
@@ -316,6 +326,7 @@ function renderMove() {
   const parts = [radioGroup("from", "From: which savegame?", fromOptions, from?.key, choose("from"))];
   if (!fromOptions.some(isPossible)) {
     parts.push(paragraph("To move a savegame, add the images or the data file that hold it.", "warning"));
+    parts.push(...fromOptions.map(({ savegame }) => stateOutput(savegame)));
   } else if (!from) {
     parts.push(paragraph("Choose which savegame it is."));
   } else if (intoOptions.length === 0) {

@@ -26,8 +26,8 @@ function parseSlots(lines) {
 }
 
 /**
- * The report of one disc. `state` is "none" if the game has not saved there, "damaged" or "good"; `damagedPages` are
- * those with a wrong checksum; `fields` has the printed values by name.
+ * The report of one disc. `state` is "none" if the game has not saved there, "damaged" or "good", which is what the
+ * `stateLines` say; `damagedPages` are those with a wrong checksum; `fields` has the printed values by name.
  */
 function parseDisc(text) {
   const [scalars, inventory, chest] = text
@@ -44,7 +44,8 @@ function parseDisc(text) {
   }
   const hasSaved = fields.get("validsavegame") === "$55";
   const state = !hasSaved ? "none" : damagedPages.length > 0 ? "damaged" : "good";
-  return { state, damagedPages, fields, inventory: parseSlots(inventory), chest: parseSlots(chest) };
+  const stateLines = scalars.filter((line) => /^(validsavegame|checkSumPage)/.test(line));
+  return { state, stateLines, damagedPages, fields, inventory: parseSlots(inventory), chest: parseSlots(chest) };
 }
 
 /** The reports of disc 2 and disc 3, from what `check DATAFILE` printed. */

@@ -44,6 +44,11 @@ export function programOutput(output) {
   return element("div", {}, paragraph("The program says:", "kind"), element("pre", {}, output));
 }
 
+/** What the program says about the state of both discs. */
+export function stateOutput({ discs }) {
+  return programOutput(discs.map(({ stateLines }, i) => [`Disc ${i + 2}`, ...stateLines].join("\n")).join("\n"));
+}
+
 function roleSelect(file, plan, onrole) {
   const sides = sideNames(plan);
   const texts = {

@@ -133,7 +133,7 @@ const refused = [
   {
     gives: "a source without a savegame",
     files: { "disc2.d64": read("new2.d64"), "disc3.d64": read("new3.d64"), "game.reu": read("game.reu") },
-    says: [noSavegame],
+    says: [noSavegame, "validsavegame:<$02> should be $55"],
     never: "undamaged",
   },
   {
