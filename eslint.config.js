@@ -12,18 +12,8 @@ const forbiddenGlobals = [
   ...["showSaveFilePicker", "showOpenFilePicker", "showDirectoryPicker"],
 ];
 const forbiddenMembers = [
-  ...[
-    "sendBeacon",
-    "serviceWorker",
-    "action",
-    "formAction",
-    "ping",
-    "src",
-    "srcset",
-    "srcdoc",
-    "submit",
-    "requestSubmit",
-  ],
+  ...["sendBeacon", "serviceWorker", "href", "action", "formAction", "ping", "src", "srcset", "srcdoc"],
+  ...["submit", "requestSubmit"],
   ...["location", "history", "navigation", "opener", "cookie", "storage", "createWritable", "createSyncAccessHandle"],
   ...["innerHTML", "outerHTML", "insertAdjacentHTML", "setHTMLUnsafe", "parseFromString", "write", "writeln"],
   ...forbiddenGlobals.filter((name) => !["open", "name", "print"].includes(name)),
@@ -46,12 +36,18 @@ export default [
       "no-restricted-syntax": [
         "error",
         { selector: `MemberExpression[property.name=/^(${forbiddenMembers.join("|")})$/]`, message },
+        { selector: `Property[key.name=/^(${forbiddenMembers.join("|")})$/]`, message },
         { selector: `MemberExpression[computed=true] > Literal[value=/^(${forbiddenMembers.join("|")})$/]`, message },
         {
           selector: "MemberExpression[object.name=/^(window|self|globalThis)$/][property.name=/^(open|name)$/]",
           message,
         },
         { selector: "ImportExpression", message },
+        {
+          selector:
+            "CallExpression[callee.property.name='setAttribute'] > Literal:first-child:not([value=/^(aria-|open$)/])",
+          message,
+        },
       ],
     },
   },

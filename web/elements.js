@@ -1,10 +1,10 @@
 // Makes elements. Text from files becomes text nodes, never markup.
 
-/** An element with these properties ("data-x" and "aria-x" are attributes) and children: elements, texts, or nothing. */
+/** An element with these properties ("role" and "aria-..." are attributes) and children: elements, texts, or nothing. */
 export function element(tag, properties = {}, ...children) {
   const made = document.createElement(tag);
   for (const [name, value] of Object.entries(properties)) {
-    if (name.includes("-")) made.setAttribute(name, value);
+    if (name === "role" || name.startsWith("aria-")) made.setAttribute(name, value);
     else made[name] = value;
   }
   made.append(...children.flat().filter((child) => child !== undefined && child !== ""));
