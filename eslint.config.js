@@ -2,8 +2,8 @@
 import js from "@eslint/js";
 import globals from "globals";
 
-// A policy in the page forbids connections, but not navigation, storage, or text that becomes markup. The page's scripts
-// contain none of them, nor anything that the policy forbids.
+// A policy in the page forbids connections, but not navigation, storage, text that becomes markup, or connections between
+// browsers (RTCPeerConnection). The page's scripts contain none of them, nor anything that the policy forbids.
 const forbiddenGlobals = [
   ...["fetch", "XMLHttpRequest", "WebSocket", "EventSource", "WebTransport", "RTCPeerConnection", "importScripts"],
   ...["Image", "Audio", "SharedWorker", "BroadcastChannel", "Notification", "eval", "Function"],
@@ -56,5 +56,6 @@ export default [
     },
   },
   { files: ["web/worker.js"], languageOptions: { globals: globals.worker } },
-  { files: ["web/*.mjs", "tests/web/*.mjs"], languageOptions: { globals: globals.node } },
+  { files: ["web/*.mjs", "bench/*.mjs"], languageOptions: { globals: globals.node } },
+  { files: ["tests/web/*.mjs"], languageOptions: { globals: { ...globals.node, ...globals.browser } } },
 ];
