@@ -4,9 +4,12 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
-scripts/install.sh cmake g++ hyperfine libbenchmark-dev libgtest-dev ninja-build python3 time
+scripts/page.sh >/dev/null
+scripts/install_npm.sh
+scripts/install.sh chromium cmake g++ hyperfine libbenchmark-dev libgtest-dev ninja-build python3 time
 cmake --preset bench >/dev/null
 cmake --build --preset bench >/dev/null
+project=$PWD
 bench=$PWD/out/bench/bench
 work=$(mktemp -d -p /dev/shm)
 trap 'rm -rf "$work"' EXIT
@@ -35,6 +38,7 @@ lines 890000 '.flag FLAG_%07d' >many_flags.asm
 cp game.reu copy.reu
 extract="./stashkeep extractreu game.reu out.dat"
 implant="./stashkeep implantreu savegame.dat copy.reu"
+checkSources="./stashkeep check savegame.dat flags.asm ids.asm world.asm"
 manyIds="./stashkeep check savegame.dat /dev/null many_ids.asm /dev/null"
 manyFlags="./stashkeep check savegame.dat many_flags.asm /dev/null /dev/null"
 
@@ -71,10 +75,22 @@ compareAfterPause() {
     other=$(cut -d ' ' -f 2 pairs | sort -g | sed -n 5p)
     row 1 "$1" "$2" "$own" "$other"
 }
+# comparePage: the page in Chromium, from bytes to bytes, with the program
+comparePage() {
+    local transfer check nativeTransfer nativeCheck
+    node "$project/bench/page.mjs" >page_times
+    { read -r transfer && read -r check; } <page_times
+    hyperfine -N --warmup 3 --runs 100 --export-csv times.csv "$implant" "$extract" >/dev/null 2>&1
+    nativeTransfer=$(medians | awk '{ print $1 + $2 }')
+    row 2 "page: implant, then extract" "$implant; $extract" "$transfer" "$nativeTransfer"
+    hyperfine -N --warmup 3 --runs 1000 --export-csv times.csv true "$checkSources" >/dev/null 2>&1
+    nativeCheck=$(medians | cut -d ' ' -f 2)
+    row 2 "page: check with sources" "$checkSources" "$check" "$nativeCheck"
+}
 heading "Run after run"
 compare 2000 ./stashkeep true
 compare 2000 "./stashkeep check savegame.dat" true
-compare 2000 "./stashkeep check savegame.dat flags.asm ids.asm world.asm" true
+compare 2000 "$checkSources" true
 compare 200 "$extract" "./least game.reu"
 compare 200 "$extract" "cat game.reu"
 compare 100 "$implant" "cp game.reu copy.reu"
@@ -82,6 +98,7 @@ compare 100 "$implant" "python3 implant.py"
 compare 30 "$manyIds" "wc many_ids.asm"
 compare 30 "$manyIds" "awk -f fill.awk many_ids.asm"
 compare 30 "$manyFlags" "wc many_flags.asm"
+comparePage
 echo
 heading "Once, after a pause"
 compareAfterPause "$extract" "./least game.reu"

@@ -46,7 +46,7 @@ function checkFile(name, bytes) {
   }
 }
 
-let compiled; // a promise of the WebAssembly module, which all runs share
+let compiled; // the WebAssembly module, which all runs share
 let worker; // kept for the next run, unless one fails
 let previousRun = Promise.resolve();
 
@@ -58,15 +58,14 @@ function startWorker() {
 
 /** Has the worker run the program, and resolves with its answer. */
 async function runInWorker(args, files) {
-  compiled ??= WebAssembly.compile(fromBase64(dataBlock("program")));
-  const module = await compiled;
+  compiled ??= await WebAssembly.compile(fromBase64(dataBlock("program")));
   const current = worker ?? startWorker();
   const answer = await new Promise((resolve) => {
     current.onmessage = ({ data }) => resolve(data);
     current.onmessageerror = () => resolve({ failure: "The result could not be received." });
     current.onerror = (event) => resolve({ failure: event.message ?? "The program could not be started." });
     current.postMessage(
-      { module, args, files },
+      { module: compiled, args, files },
       files.map(([, bytes]) => bytes.buffer),
     );
   });

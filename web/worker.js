@@ -38,15 +38,23 @@ function watchOpening(FS, opened, missing) {
   };
 }
 
+/** A fresh instance of the program. Emscripten's own promise does not notice a failing instantiation. */
+function instantiate(module) {
+  return new Promise((resolve, reject) => {
+    const options = {
+      stdin: () => null, // at its end
+      instantiateWasm(imports, done) {
+        WebAssembly.instantiate(module, imports).then(done).catch(reject);
+        return {};
+      },
+    };
+    createProgram(options).then(resolve, reject);
+  });
+}
+
 /** Runs the command line; `files` are pairs of name and bytes, which the program may keep and change. */
 async function run({ module, args, files }) {
-  const program = await createProgram({
-    stdin: () => null, // at its end
-    instantiateWasm(imports, done) {
-      WebAssembly.instantiate(module, imports).then(done);
-      return {};
-    },
-  });
+  const program = await instantiate(module);
   const { FS } = program;
   FS.mkdir(folder);
   FS.chdir(folder);

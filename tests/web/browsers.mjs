@@ -1,0 +1,196 @@
+// One interface to three browsers: Chromium and Firefox by puppeteer, WebKit by its WebDriver.
+import { spawn } from "node:child_process";
+import { once } from "node:events";
+import { existsSync, mkdtempSync, readdirSync, readFileSync, rmSync, statSync, writeFileSync } from "node:fs";
+import { createRequire } from "node:module";
+import { createServer } from "node:net";
+import { tmpdir } from "node:os";
+import { join } from "node:path";
+import { setTimeout as wait } from "node:timers/promises";
+import puppeteer from "puppeteer-core";
+import { Builder, By, Capabilities, Key } from "selenium-webdriver";
+
+export const names = ["chromium", "firefox", "webkit"];
+
+const programs = { chromium: "/usr/bin/chromium", firefox: "/usr/bin/firefox-esr", webkit: "/usr/bin/WebKitWebDriver" };
+const stepLimit = 60_000; // milliseconds for what a browser has to do
+const changeLimit = 20_000; // milliseconds until the page has changed
+
+/** The browser leaves everything in this folder, also what WebKit downloads. */
+function environment(folder) {
+  return { ...process.env, HOME: folder, XDG_CONFIG_HOME: folder, XDG_CACHE_HOME: folder };
+}
+
+function withTimeLimit(promise) {
+  const expired = wait(stepLimit, undefined, { ref: false }).then(() => {
+    throw new Error(`The browser takes longer than ${stepLimit / 1000} s.`);
+  });
+  return Promise.race([promise, expired]);
+}
+
+/** Resolves with the first result of `probe` that is not false. */
+async function until(probe, what) {
+  for (const end = Date.now() + changeLimit; Date.now() < end; await wait(50)) {
+    const result = await probe();
+    if (result) return result;
+  }
+  throw new Error(`waited ${changeLimit / 1000} s in vain until ${what}`);
+}
+
+// Bytes in JSON. The page has the newer methods of Uint8Array for it, Node.js has Buffer.
+const withBase64 = (key, value) =>
+  value instanceof Uint8Array ? { base64: Buffer.from(value.buffer).toString("base64") } : value;
+const withBytes = (key, value) =>
+  typeof value?.base64 === "string" ? new Uint8Array(Buffer.from(value.base64, "base64")) : value;
+
+async function callInPage(call, argsText) {
+  const unpack = (key, value) => (typeof value?.base64 === "string" ? Uint8Array.fromBase64(value.base64) : value);
+  const pack = (key, value) => (value instanceof Uint8Array ? { base64: value.toBase64() } : value);
+  const answer = new Promise((resolve) => resolve(call(...JSON.parse(argsText, unpack))));
+  return answer.then((result) => ({ result }), (error) => ({ failure: `${error}` })).then((each) => JSON.stringify(each, pack)); // prettier-ignore
+}
+
+/** What a person would click: the visible element with this text or label. Runs in the page. */
+function findByText(text) {
+  const elements = [...document.querySelectorAll("a, button, label, summary, [role=button]")];
+  const isIt = (element) => [element.textContent.trim(), element.ariaLabel].includes(text) && element.checkVisibility();
+  return elements.find(isIt) ?? null;
+}
+
+async function startWithPuppeteer(folder, name, flags) {
+  const complaints = [];
+  const requests = [];
+  const browser = await puppeteer.launch({
+    browser: name === "chromium" ? "chrome" : "firefox",
+    executablePath: programs[name],
+    args: name === "chromium" ? ["--no-sandbox", "--disable-dev-shm-usage", ...flags] : flags,
+    downloadBehavior: { policy: "allow", downloadPath: folder },
+    extraPrefsFirefox: { "browser.download.folderList": 2, "browser.download.dir": folder },
+    env: environment(folder),
+    timeout: stepLimit,
+    protocolTimeout: stepLimit,
+  });
+  const page = await browser.newPage();
+  page.on("request", (request) => requests.push(request.url()));
+  page.on("pageerror", (error) => complaints.push(String(error)));
+  page.on("console", (message) => {
+    if (["error", "warn"].includes(message.type())) complaints.push(message.text());
+  });
+  await page.evaluateOnNewDocument(() => {
+    const report = (event) => console.error(`violation of ${event.violatedDirective} by ${event.blockedURI}`);
+    globalThis.addEventListener("securitypolicyviolation", report);
+  });
+  return {
+    ...{ page, complaints, requests },
+    go: (url) => page.goto(url),
+    run: (expression) => page.evaluate(expression),
+    find: (expression) => page.evaluateHandle(expression).then((handle) => handle.asElement()),
+    upload: async (selector, paths) => (await page.$(selector)).uploadFile(...paths),
+    press: (key) => page.keyboard.press(key),
+    resize: (width, height) => page.setViewport({ width, height }),
+    screenshot: (path) => page.screenshot({ path, fullPage: true }),
+    quit: () => browser.close(),
+  };
+}
+
+async function freePort() {
+  const server = createServer().listen(0, "127.0.0.1");
+  await once(server, "listening");
+  const { port } = server.address();
+  await once(server.close(), "close");
+  return port;
+}
+
+async function startWebKit(folder) {
+  if (!process.env.DISPLAY) throw new Error("WebKit has to be run with a display: xvfb-run -a node --test ...");
+  const port = await freePort();
+  const service = `http://127.0.0.1:${port}`;
+  // Detached: a process group of its own, which can be ended as a whole.
+  const options = { env: environment(folder), detached: true, stdio: "ignore" };
+  const server = spawn(programs.webkit, [`--port=${port}`], options);
+  server.unref();
+  function kill() {
+    process.off("exit", kill);
+    process.kill(-server.pid);
+  }
+  process.once("exit", kill);
+  await until(() => fetch(`${service}/status`).catch(() => false), "WebKitWebDriver answers");
+  const capabilities = new Capabilities({ browserName: "MiniBrowser" });
+  const session = new Builder().usingServer(service).withCapabilities(capabilities).build();
+  const driver = await withTimeLimit(session).catch((error) => {
+    kill();
+    throw error;
+  });
+  await driver.manage().setTimeouts({ script: stepLimit, pageLoad: stepLimit });
+  return {
+    ...{ complaints: [], requests: [] }, // this driver does not tell
+    async go(url) {
+      await driver.get(url); // sometimes returns before the page's scripts have run
+      const isLoaded = `return document.readyState === "complete" && location.href !== "about:blank"`;
+      await until(() => driver.executeScript(isLoaded), `${url} is loaded`);
+    },
+    run: (expression) => driver.executeAsyncScript(`${expression}.then(arguments[0])`),
+    find: (expression) => driver.executeScript(`return ${expression}`),
+    upload: (selector, paths) => driver.findElement(By.css(selector)).sendKeys(paths.join("\n")),
+    press: (key) =>
+      driver
+        .switchTo()
+        .activeElement()
+        .sendKeys(Key[key.toUpperCase()] ?? key),
+    resize: (width, height) => driver.manage().window().setRect({ width, height }),
+    screenshot: async (path) => writeFileSync(path, await driver.takeScreenshot(), "base64"),
+    async quit() {
+      await driver.quit();
+      kill();
+    },
+  };
+}
+
+/** Opens a page in a browser of its own. */
+export async function open(name, url, flags = []) {
+  const folder = mkdtempSync(join(tmpdir(), "stashkeep-web-"));
+  if (!existsSync(programs[name])) throw new Error(`${programs[name]} is missing: scripts/web.sh installs it.`);
+  const start = name === "webkit" ? startWebKit : startWithPuppeteer;
+  const driver = await start(folder, name, flags);
+  const browser = {
+    ...driver,
+    name,
+    /** Calls a function in the page. Arguments and result are JSON and arrays of bytes. */
+    async evaluate(fn, ...args) {
+      const argsText = JSON.stringify(JSON.stringify(args, withBase64));
+      const answer = await driver.run(`(${callInPage})(${fn}, ${argsText})`);
+      const { result, failure } = JSON.parse(answer, withBytes);
+      if (failure) throw new Error(failure);
+      return result;
+    },
+    waitFor: (fn, ...args) => until(() => browser.evaluate(fn, ...args), `this holds: ${fn}`),
+    /** Clicks what is labelled so, once it is there. */
+    async click(text) {
+      const find = () => driver.find(`(${findByText})(${JSON.stringify(text)})`);
+      await (await until(find, `"${text}" can be clicked`)).click();
+    },
+    /** The bytes of a file that the page saves under this name, once it is complete. */
+    async download(fileName) {
+      const path = join(folder, fileName);
+      const isPartial = (other) => /\.(part|crdownload|wkdownload)$/.test(other);
+      const isComplete = () => existsSync(path) && statSync(path).size > 0 && !readdirSync(folder).some(isPartial);
+      await until(isComplete, `${fileName} is downloaded`);
+      const bytes = readFileSync(path);
+      rmSync(path);
+      return bytes;
+    },
+    /** What axe-core, which checks accessibility, finds in the present state of the page. */
+    async accessibilityFaults() {
+      const axe = readFileSync(createRequire(import.meta.url).resolve("axe-core/axe.min.js"), "utf8");
+      await driver.run(`(async () => { ${axe} })()`);
+      const faults = await browser.evaluate(async () => (await globalThis.axe.run()).violations);
+      return faults.map(({ help, nodes }) => `${help}: ${nodes.map(({ html }) => html).join(" ")}`);
+    },
+    async close() {
+      await withTimeLimit(driver.quit());
+      rmSync(folder, { recursive: true, force: true, maxRetries: 5 });
+    },
+  };
+  await driver.go(url);
+  return browser;
+}
