@@ -20,7 +20,7 @@ function isPassedUnchanged(text) {
   return (
     typeof text === "string" &&
     !text.includes("\0") &&
-    new TextDecoder().decode(new TextEncoder().encode(text)) === text
+    new TextDecoder("utf-8", { ignoreBOM: true }).decode(new TextEncoder().encode(text)) === text
   );
 }
 
@@ -53,6 +53,7 @@ let previousRun = Promise.resolve();
 function startWorker() {
   const url = URL.createObjectURL(new Blob([dataBlock("worker")], { type: "text/javascript" }));
   worker = new Worker(url);
+  worker.addEventListener("message", () => URL.revokeObjectURL(url), { once: true }); // it has started
   return worker;
 }
 
@@ -92,7 +93,8 @@ export async function stashkeep(args, files = {}) {
   const ownArgs = [...args];
   const ownFiles = entries.map(([name, bytes]) => [name, bytes.slice()]);
   const run = previousRun.then(() => runInWorker(ownArgs, ownFiles));
-  previousRun = run.catch(() => {});
+  const forget = () => {}; // the result may be large
+  previousRun = run.then(forget, forget);
   const result = await run;
   return { ...result, files: Object.assign(Object.create(null), Object.fromEntries(result.files)) };
 }
