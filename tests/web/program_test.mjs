@@ -292,7 +292,7 @@ test("without WebAssembly, the page says what it needs", async (t) => {
   t.after(browser.close);
   const [type, text] = await browser.evaluate(() => [typeof WebAssembly, document.body.innerText]);
   assert.equal(type, "undefined");
-  assert.match(text, /This page needs a browser with .*WebAssembly/);
+  assert.match(text, /This page needs JavaScript and WebAssembly: please open it in a browser/);
   assert.deepEqual(browser.complaints, []);
 });
 
