@@ -1,14 +1,14 @@
 // One interface to three browsers: Chromium and Firefox by puppeteer, WebKit by its WebDriver.
 import { spawn } from "node:child_process";
 import { once } from "node:events";
-import { existsSync, mkdtempSync, readdirSync, readFileSync, rmSync, statSync, writeFileSync } from "node:fs";
+import { existsSync, mkdtempSync, readdirSync, readFileSync, rmSync, statSync } from "node:fs";
 import { createRequire } from "node:module";
 import { createServer } from "node:net";
 import { tmpdir } from "node:os";
 import { join } from "node:path";
 import { setTimeout as wait } from "node:timers/promises";
 import puppeteer from "puppeteer-core";
-import { Builder, By, Capabilities, Key } from "selenium-webdriver";
+import { Builder, By, Capabilities } from "selenium-webdriver";
 
 export const names = ["chromium", "firefox", "webkit"];
 
@@ -88,7 +88,6 @@ async function startWithPuppeteer(folder, name, flags) {
     upload: async (selector, paths) => (await page.$(selector)).uploadFile(...paths),
     press: (key) => page.keyboard.press(key),
     resize: (width, height) => page.setViewport({ width, height }),
-    screenshot: (path) => page.screenshot({ path, fullPage: true }),
     quit: () => browser.close(),
   };
 }
@@ -132,13 +131,6 @@ async function startWebKit(folder) {
     run: (expression) => driver.executeAsyncScript(`${expression}.then(arguments[0])`),
     find: (expression) => driver.executeScript(`return ${expression}`),
     upload: (selector, paths) => driver.findElement(By.css(selector)).sendKeys(paths.join("\n")),
-    press: (key) =>
-      driver
-        .switchTo()
-        .activeElement()
-        .sendKeys(Key[key.toUpperCase()] ?? key),
-    resize: (width, height) => driver.manage().window().setRect({ width, height }),
-    screenshot: async (path) => writeFileSync(path, await driver.takeScreenshot(), "base64"),
     async quit() {
       await driver.quit();
       kill();

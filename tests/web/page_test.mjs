@@ -178,28 +178,34 @@ test("uses an image with error bytes without them, and puts them back unchanged"
   });
 });
 
+const saved2 = read("disc2.d64");
 const doubtful = [
   {
     has: "one disc only",
-    disc3: read("new3.d64"),
+    discs: { "disc2.d64": saved2, "disc3.d64": read("new3.d64") },
     says: "Only disc 2 has a savegame; disc 3 has none (disc2.d64 and disc3.d64).",
   },
   {
     has: "damaged flags",
-    disc3: changed("disc3.d64", 0),
+    discs: { "disc2.d64": saved2, "disc3.d64": changed("disc3.d64", 0) },
     says: "Disc 3: the checksum of part 1 (the flags) is wrong",
   },
   {
     has: "damaged items",
-    disc3: changed("disc3.d64", 1024),
+    discs: { "disc2.d64": saved2, "disc3.d64": changed("disc3.d64", 1024) },
     says: "Disc 3: the checksum of part 2 (money, lives and items) is wrong",
+  },
+  {
+    has: "an order that nothing says",
+    discs: { "a.d64": saved2, "b.d64": read("disc3.d64") },
+    says: "Nothing says whether a.d64 or b.d64 is disc 2.",
   },
 ];
 
-for (const { has, disc3: bytes, says } of doubtful) {
+for (const { has, discs, says } of doubtful) {
   test(`moves a doubtful savegame only after an explicit choice: ${has}`, async () => {
-    const paths = [write("doubtful/disc2.d64", read("disc2.d64")), write("doubtful/disc3.d64", bytes), reu];
-    await withPage("chromium", paths, async (browser) => {
+    const paths = Object.entries(discs).map(([name, bytes]) => write(join("doubtful", name), bytes));
+    await withPage("chromium", [...paths, reu], async (browser) => {
       assert.ok((await textOf(browser)).includes(says));
       assert.ok(!(await buttonsOf(browser)).includes(make));
       await browser.click("Move it all the same");
@@ -208,6 +214,24 @@ for (const { has, disc3: bytes, says } of doubtful) {
     });
   });
 }
+
+test("swaps two discs with one button, and takes their savegame out", () =>
+  withPage("chromium", [disc2, disc3], async (browser) => {
+    await browser.click("Swap disc 2 and disc 3");
+    await browser.click("Make a savegame data file of disc3.d64 and disc2.d64");
+    await browser.click("Save zarnis-savegame.dat");
+    const data = read("savegame.dat");
+    const swapped = Buffer.concat([data.subarray(512), data.subarray(0, 512)]);
+    assert.ok((await browser.download("zarnis-savegame.dat")).equals(swapped));
+  }));
+
+test("makes nothing of a file that has changed on the disk since it was added", () =>
+  withPage("chromium", [write("live.dat", read("savegame.dat")), reu], async (browser) => {
+    write("live.dat", changed("savegame.dat", 0));
+    await browser.click(make);
+    await browser.waitFor(() => document.body.innerText.includes("live.dat has changed since you added it"));
+    assert.ok(!(await buttonsOf(browser)).some((text) => text.startsWith("Save")));
+  }));
 
 test("says which files it cannot read, and works with the others", () =>
   withPage("chromium", [path("savegame.dat")], async (browser) => {
