@@ -14,7 +14,7 @@ export const names = ["chromium", "firefox", "webkit"];
 
 const programs = { chromium: "/usr/bin/chromium", firefox: "/usr/bin/firefox-esr", webkit: "/usr/bin/WebKitWebDriver" };
 const stepLimit = 60_000; // milliseconds for what a browser has to do
-const changeLimit = 20_000; // milliseconds until the page has changed
+const changeLimit = 60_000; // milliseconds until the page has changed
 
 /** The browser leaves everything in this folder, also what WebKit downloads. */
 function environment(folder) {
