@@ -102,7 +102,10 @@ function findDamages({ savegame, title }) {
   return savegame.discs.flatMap(({ state, damagedPages }, i) => {
     const disc = `Disc ${i + 2}`;
     if (state === "none") return `Only disc ${3 - i} has a savegame; ${disc.toLowerCase()} has none (${title}).`;
-    return damagedPages.map((page) => `${disc}: the checksum of ${pages[page]} is wrong (${title}). It is damaged.`);
+    return damagedPages.map(
+      (page) =>
+        `${disc}: the checksum of ${pages[page]} is wrong (${title}). It is damaged, and moving does not repair it.`,
+    );
   });
 }
 
@@ -155,7 +158,8 @@ export async function makePlan(files, choices, readPair) {
   const pairs = allPairs.filter(({ disc2, disc3 }) => disc2 || disc3);
   const media = await findMedia(files, pairs, readPair);
 
-  const noSavegame = "There is no savegame here: save in the game first.";
+  const isAnywhere = media.some(({ savegame }) => hasSavegame(savegame));
+  const noSavegame = isAnywhere ? "It holds no savegame." : "There is no savegame here: save in the game first.";
   const fromOptions = media.map((entry) => ({
     ...entry,
     refusal: entry.refusal ?? (hasSavegame(entry.savegame) ? undefined : noSavegame),

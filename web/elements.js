@@ -7,7 +7,7 @@ export function element(tag, properties = {}, ...children) {
     if (name === "role" || name.startsWith("aria-")) made.setAttribute(name, value);
     else made[name] = value;
   }
-  made.append(...children.flat().filter((child) => child !== undefined && child !== ""));
+  made.append(...children.flat(2).filter((child) => child !== undefined && child !== ""));
   return made;
 }
 
@@ -65,10 +65,10 @@ export function radioGroup(name, legend, options, chosenKey, onchange) {
 }
 
 /** A labelled list to choose from; the options are pairs of value and text. */
-export function select(id, label, options, value, onchange) {
+export function select(id, label, options, value, onchange, properties = {}) {
   const list = element(
     "select",
-    { id, onchange: (event) => onchange(event.target.value) },
+    { id, onchange: (event) => onchange(event.target.value), ...properties },
     options.map(([key, text]) => element("option", { value: key, selected: key === value }, text)),
   );
   return element("label", { className: "select" }, label, list);

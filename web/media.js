@@ -156,11 +156,13 @@ function describeProblem({ length }, extension) {
       "with this image, let the emulator save the expansion, close the emulator, and add the file again."
     );
   }
-  const reason =
-    length === 0
-      ? "This file is empty: it has 0 bytes. Copy or download it again."
-      : `This is no file that a savegame can be moved into or out of: it has ${formatSize(length)}.`;
-  return `${reason} ${whatIsAccepted}`;
+  const reasons = {
+    empty: "This file is empty: it has 0 bytes. Copy or download it again.",
+    d64: `This file has ${formatSize(length)}, which is no size of a floppy image. It may be cut off: copy or download it again.`,
+    other: `This is no file that a savegame can be moved into or out of: it has ${formatSize(length)}.`,
+  };
+  const reason = length === 0 ? "empty" : extension === "d64" ? "d64" : "other";
+  return `${reasons[reason]} ${whatIsAccepted}`;
 }
 
 async function examineMemoryImage(run, { name, bytes }) {
@@ -181,9 +183,9 @@ async function examineMemoryImage(run, { name, bytes }) {
  */
 export async function examine(run, file) {
   const size = file.bytes.length;
-  if (size <= textSizeLimit && isText(file.bytes)) return { kind: "source" };
   if (size === floppySize || size === floppySize + errorBytesSize) return examineFloppy(run, file);
   if (floppySizesOf35Tracks.includes(size)) return examineFloppyOf35Tracks(run, file);
+  if (size <= textSizeLimit && isText(file.bytes)) return { kind: "source" };
   if (size !== dataFileSize) return examineMemoryImage(run, file);
   const medium = { command: "", files: [file] };
   return { kind: "data", medium, savegame: await inspect(run, file.bytes) };

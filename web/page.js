@@ -82,29 +82,33 @@ async function examineSafely(file) {
   }
 }
 
-/** Adds a file, unless it is in the list already. A refused one is looked into again. */
+/** Adds a file, unless it is in the list already. It replaces a refused one, and one that has changed on the disk. */
 async function addFile(given) {
   const { file, path } = given;
   showStatus(`Looking into ${path} …`);
   const sizeBefore = files.reduce((sum, { size, bytes }) => sum + (bytes ? size : 0), 0);
   const { bytes, problem } = await readBytes(given, sizeBefore);
-  for (const other of files.filter((candidate) => candidate.path === path && candidate.bytes && bytes)) {
-    if (!(await isEqual(other.bytes, bytes))) continue;
-    if (other.kind !== "refused") return;
-    files = files.filter((remaining) => remaining !== other); // another try
-  }
   const id = String(++lastId);
+  for (const other of files.filter((candidate) => candidate.path === path && candidate.bytes && bytes)) {
+    const isOld = !(await isUnchanged(other));
+    if (!isOld && !(await isEqual(other.bytes, bytes))) continue; // another file of this name
+    if (!isOld && other.kind !== "refused") return;
+    files = files.filter((remaining) => remaining !== other);
+    if (plan.roles.has(other.id)) choices.roles.set(id, plan.roles.get(other.id));
+  }
   const added = { id, file, path, title: uniqueTitle(path), name: uniqueName(path), size: file.size, bytes };
   files.push({ ...added, ...(problem ? { kind: "refused", problem } : await examineSafely(added)) });
 }
 
-/** Throws if a file has changed on the disk since it was added, as an emulator may do when it ends. */
-async function requireUnchanged({ file, bytes, title }) {
+/** Whether a file is on the disk as it was when it was added: an emulator may write into it when it ends. */
+async function isUnchanged({ file, bytes }) {
   const now = await readBytes({ file }, 0);
-  if (now.bytes && (await isEqual(now.bytes, bytes))) return;
-  throw new Error(
-    `${title} has changed since you added it. Close the emulator, remove the file here, and add it again.`,
-  );
+  return now.bytes !== undefined && (await isEqual(now.bytes, bytes));
+}
+
+async function requireUnchanged(file) {
+  if (await isUnchanged(file)) return;
+  throw new Error(`${file.title} has changed since you added it. Close the emulator, and add the file again.`);
 }
 
 async function readPair(disc2, disc3) {
@@ -201,7 +205,7 @@ function enqueue(change) {
       showFailure("failure", `That did not work. ${error.message}`);
     }
     render();
-    showStatus(done ?? "Done.");
+    showStatus(done ?? "");
     byId("app").removeAttribute("aria-busy");
     if (made && made !== madeBefore) byId("result-heading").focus();
   });
@@ -232,12 +236,18 @@ function removeFiles(isRemoved) {
   });
 }
 
+function removeAllFiles() {
+  removeFiles(() => true);
+  Object.assign(choices, { from: undefined, into: undefined, shown: undefined, accepted: "" });
+}
+
 /** Gives a file a role; the file that has it gets the role of the first one. */
 function giveRole({ id }, role) {
   enqueue(() => {
     const holder = findHolder(plan.roles, role);
     choices.roles = new Map(plan.roles).set(holder ?? id, plan.roles.get(id)).set(id, role);
     for (const changed of [id, holder]) choices.byHand.add(changed);
+    return "The roles have changed.";
   });
 }
 
@@ -261,11 +271,14 @@ function makeFiles({ from, into }, concerns) {
   });
 }
 
-function saveFile({ name, bytes }) {
+function saveFile(file) {
+  const { name, bytes } = file;
   const url = URL.createObjectURL(new Blob([bytes]));
   // eslint-disable-next-line no-restricted-syntax -- a link to the page's own bytes, which the browser saves
   element("a", { href: url, download: name }).click();
   setTimeout(() => URL.revokeObjectURL(url), 60_000);
+  file.isSaved = true;
+  render();
   showStatus(`${name} goes to the downloads of your browser.`);
 }
 
@@ -275,9 +288,10 @@ function renderFiles() {
   const actions = {
     onrole: giveRole,
     onremove: ({ id }) => removeFiles((file) => file.id === id),
-    onremoveall: () => removeFiles(() => true),
+    onremoveall: removeAllFiles,
   };
   const swap = (disc2, disc3) => giveRole(disc3, plan.roles.get(disc2.id));
+  byId("examples-button").hidden = files.length > 0; // they would mix with one's own files
   byId("file-list").replaceChildren(...fileList(files, plan, actions));
   byId("discs").replaceChildren(...discNotes(files, plan, swap));
 }
@@ -293,7 +307,7 @@ function concernBox({ savegame }, concerns) {
     "div",
     { className: "warning" },
     concerns.map((concern) => paragraph(concern)),
-    stateOutput(savegame),
+    savegame.discs.some(({ state }) => state !== "good") ? stateOutput(savegame) : "",
     element("label", { className: "option" }, checkbox, element("span", {}, "Move it all the same")),
   );
 }
@@ -344,7 +358,11 @@ function renderMove() {
 
 function flagParts({ flags, given, absent, missing = [], output }) {
   const problems = [];
+  const damaged = shownMedium().savegame.discs.flatMap(({ damagedPages }, i) =>
+    damagedPages.includes(0) ? i + 2 : [],
+  );
   const hasFailed = output !== undefined && !flags;
+  if (flags) problems.push(...damaged.map((disc) => `The flags of disc ${disc} are damaged: they may be wrong.`));
   if (given > 0 && absent.length > 0) problems.push(`For the flags, these sources are missing: ${absent.join(", ")}.`);
   if (missing.length > 0)
     problems.push(`Looked for and not found: ${missing.join(", ")}. Add the whole folder generated.`);

@@ -57,7 +57,9 @@ function roleSelect(file, plan, onrole) {
   };
   const options = texts[file.kind];
   if (!options) return undefined;
-  return select(`role-${file.id}`, "Used as", [...options, ["", "not used"]], plan.roles.get(file.id), onrole);
+  return select(`role-${file.id}`, "Used as", [...options, ["", "not used"]], plan.roles.get(file.id), onrole, {
+    "aria-label": `Used as: ${file.title}`,
+  });
 }
 
 function removeButton(file, onremove) {
@@ -159,8 +161,7 @@ export function comparison(from, into) {
 function proofsOf({ files, from, into }) {
   if (into.key === "data") {
     return [
-      "Compared: a copy with another savegame, into which this file was put, equals " +
-        `${from.title}. The file holds the whole savegame.`,
+      `Compared: in a copy of ${from.title} that held another savegame, this file restored the savegame completely.`,
     ];
   }
   const changes = files.map(({ name, bytes, changedBytes, tailSize }, i) => {
@@ -173,13 +174,13 @@ function proofsOf({ files, from, into }) {
   return [
     `Compared: what comes out of it is the savegame of ${from.title}. All 1,024 bytes are equal.`,
     ...changes,
-    `Compared: with its old savegame put back, it equals ${into.title}. Nothing but the savegame has changed.`,
+    `Compared: with the old contents put back in its place, the copy equals ${into.title}. Nothing else has changed.`,
   ];
 }
 
 function nextSteps({ files, into }) {
   if (into.key === "data") {
-    return ["Keep the file as a backup. Given to this page, it can be put into an image at any time."];
+    return ["Save the file.", "Keep it as a backup. Given to this page, it can be put into an image at any time."];
   }
   return [
     "Close the emulator first. When it ends, it may write its own contents over a file.",
@@ -205,7 +206,10 @@ export function transferResult(made, onsave) {
     element(
       "p",
       { className: "buttons" },
-      made.files.map((file, i) => button(`save-${i}`, `Save ${file.name}`, () => onsave(file), { className: "main" })),
+      made.files.map((file, i) => [
+        button(`save-${i}`, `Save ${file.name}`, () => onsave(file), { className: "main" }),
+        file.isSaved ? element("span", { className: "saved" }, "✓ sent to your downloads") : "",
+      ]),
     ),
     element("h4", {}, "What to do next"),
     element("ol", {}, items(nextSteps(made))),
