@@ -3,7 +3,7 @@
 import { fileURLToPath } from "node:url";
 import { open } from "../tests/web/browsers.mjs";
 
-const size = { width: 800, height: 1230 };
+const size = { width: 800, height: 1200 };
 const path = fileURLToPath(new URL("../docs/page.png", import.meta.url));
 const browser = await open("chromium", new URL("../out/packages/stashkeep.html", import.meta.url).href);
 await browser.page.setViewport(size);
