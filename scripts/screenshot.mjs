@@ -3,12 +3,12 @@
 import { fileURLToPath } from "node:url";
 import { open } from "../tests/web/browsers.mjs";
 
-const size = { width: 800, height: 1200 };
+const size = { width: 800, height: 1245 };
 const path = fileURLToPath(new URL("../docs/page.png", import.meta.url));
 const browser = await open("chromium", new URL("../out/packages/stashkeep.html", import.meta.url).href);
 await browser.page.setViewport(size);
 await browser.click("Try it with examples");
 await browser.waitFor(() => document.getElementById("make-button"));
-await browser.evaluate(() => document.activeElement.blur());
+await browser.evaluate(() => (document.getElementById("status").textContent = ""));
 await browser.page.screenshot({ path, clip: { x: 0, y: 0, ...size }, captureBeyondViewport: true });
 await browser.close();
