@@ -189,6 +189,16 @@ async function updatePlan() {
   await updateFlagReport();
 }
 
+/** Does something, and shows what goes wrong. */
+async function attempt(action) {
+  try {
+    return await action();
+  } catch (error) {
+    showFailure("failure", `That did not work. ${error.message}`);
+    return undefined;
+  }
+}
+
 /** Does one thing after the other. A change may return what to say when it is done. */
 function enqueue(change) {
   work = work.then(async () => {
@@ -197,13 +207,8 @@ function enqueue(change) {
     byId("failure").replaceChildren();
     byId("make-failure")?.replaceChildren();
     const madeBefore = made;
-    let done;
-    try {
-      done = await change();
-      await updatePlan();
-    } catch (error) {
-      showFailure("failure", `That did not work. ${error.message}`);
-    }
+    const done = await attempt(change);
+    await attempt(updatePlan);
     render();
     showStatus(done ?? "");
     byId("app").removeAttribute("aria-busy");
@@ -214,7 +219,7 @@ function enqueue(change) {
 function addFiles(finding) {
   enqueue(async () => {
     const found = await finding;
-    const countBefore = files.length;
+    const idBefore = lastId;
     for (const given of found.files) await addFile(given);
     if (found.leftOut > 0) {
       showFailure(
@@ -222,9 +227,9 @@ function addFiles(finding) {
         `There are too many files in this folder: ${found.leftOut} of them were left out. Add single files instead.`,
       );
     }
-    const count = files.length - countBefore;
-    if (count === 0)
-      return found.files.length > 0 ? "These files are in the list already." : "There are no files in it.";
+    if (found.files.length === 0) return "There are no files in it.";
+    const count = files.filter(({ id }) => Number(id) > idBefore).length;
+    if (count === 0) return "These files are in the list already.";
     return count === 1 ? "One file added." : `${count} files added.`;
   });
 }
