@@ -16,6 +16,7 @@ const modules = [
   "media.js",
   "choices.js",
   "reading.js",
+  "session.js",
   "elements.js",
   "views.js",
   "page.js",
