@@ -1,6 +1,7 @@
 // What can be done with a set of files. The person's choices count first; the rest is guessed from names, or is the only
 // possibility.
 import { hasSavegame, isEqual, pairOf } from "./media.js";
+import { pageNames } from "./report.js";
 
 /** A floppy image is disc 2 or 3 of one of two pairs, or not used, which is "". */
 export const floppyRoles = ["first2", "first3", "second2", "second3"];
@@ -98,13 +99,12 @@ function findPairsByRole(floppies, roles, chosenByHand) {
 
 /** What is wrong with the savegame of a medium. */
 function findDamages({ savegame, title }) {
-  const pages = ["part 1 (the flags)", "part 2 (money, lives and items)"];
   return savegame.discs.flatMap(({ state, damagedPages }, i) => {
     const disc = `Disc ${i + 2}`;
     if (state === "none") return `Only disc ${3 - i} has a savegame; ${disc.toLowerCase()} has none (${title}).`;
     return damagedPages.map(
       (page) =>
-        `${disc}: the checksum of ${pages[page]} is wrong (${title}). It is damaged, and moving does not repair it.`,
+        `${disc}: the checksum of ${pageNames[page]} is wrong (${title}). It is damaged, and moving does not repair it.`,
     );
   });
 }

@@ -1,5 +1,8 @@
 // Reads the lines that `check` prints, which docs/formats.md defines.
 
+/** What the two pages of a disc's savegame are called; each has a checksum. */
+export const pageNames = ["part 1 (the flags)", "part 2 (money, lives and items)"];
+
 const disc2Heading = ">>>DISC2 SAVEGAME CONTENTS:\n";
 const disc3Heading = "\n>>>DISC3 SAVEGAME CONTENTS:\n";
 

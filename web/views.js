@@ -2,6 +2,7 @@
 import { floppyRoles, sideNames, sourceRoles } from "./choices.js";
 import { button, element, paragraph, select, table, withBreaks } from "./elements.js";
 import { formatNumber, formatSize } from "./media.js";
+import { pageNames } from "./report.js";
 
 const kindNames = {
   floppy: "Floppy image of 40 tracks",
@@ -12,12 +13,11 @@ const kindNames = {
 };
 
 const discColumns = ["Disc\u00a02", "Disc\u00a03"];
-const partNames = ["part 1 (flags)", "part 2 (money, lives, items)"];
 
 function describeState({ state, damagedPages }) {
   if (state === "none") return "no savegame";
   if (state === "good") return "savegame, undamaged (checksums right)";
-  return `savegame, ${damagedPages.map((page) => partNames[page]).join(" and ")} damaged (wrong checksum)`;
+  return `savegame, ${damagedPages.map((page) => pageNames[page]).join(" and ")} damaged (wrong checksum)`;
 }
 
 function countUsedItems({ inventory }) {
