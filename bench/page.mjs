@@ -1,7 +1,7 @@
 // Times the page in Chromium, in the current folder of scripts/bench.sh: prints the median seconds of implanting into
 // game.reu and extracting again, and those of a check with the sources.
 import { readFileSync } from "node:fs";
-import { open } from "../tests/web/browsers.mjs";
+import { open } from "../tests/web/browser/browsers.mjs";
 
 const file = (name) => new Uint8Array(readFileSync(name));
 const sources = ["flags.asm", "ids.asm", "world.asm"];

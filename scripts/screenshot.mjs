@@ -1,7 +1,7 @@
 #!/usr/bin/env node
 // Makes docs/page.png, the page with its examples: scripts/web.sh, and then scripts/screenshot.mjs
 import { fileURLToPath } from "node:url";
-import { open } from "../tests/web/browsers.mjs";
+import { open } from "../tests/web/browser/browsers.mjs";
 
 const size = { width: 800, height: 1245 };
 const path = fileURLToPath(new URL("../docs/page.png", import.meta.url));

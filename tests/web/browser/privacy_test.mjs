@@ -8,7 +8,7 @@ import test from "node:test";
 import { setTimeout as wait } from "node:timers/promises";
 import { names as browserNames, open } from "./browsers.mjs";
 
-const page = new URL("../../out/packages/stashkeep.html", import.meta.url);
+const page = new URL("../../../out/packages/stashkeep.html", import.meta.url);
 
 const arrivalsWithoutPolicy = 45; // at least, since no browser has all of the ways
 const rows = readFileSync(new URL("privacy_test.txt", import.meta.url), "utf8").match(/^\w+ \w+ .*/gm);

@@ -8,7 +8,7 @@ import test from "node:test";
 import { fileURLToPath } from "node:url";
 import { names as browserNames, open } from "./browsers.mjs";
 
-const project = fileURLToPath(new URL("../../", import.meta.url));
+const project = fileURLToPath(new URL("../../../", import.meta.url));
 const page = join(project, "out/packages/stashkeep.html");
 const pageUrl = `file://${page}`;
 const seed = Number(process.env.SEED ?? 1); // others generate other cases

@@ -8,9 +8,9 @@ import { after, test } from "node:test";
 import { fileURLToPath } from "node:url";
 import { names, open } from "./browsers.mjs";
 
-const project = fileURLToPath(new URL("../..", import.meta.url));
+const project = fileURLToPath(new URL("../../..", import.meta.url));
 const program = join(project, "out/release/stashkeep");
-const page = new URL("../../out/packages/stashkeep.html", import.meta.url).href;
+const page = new URL("../../../out/packages/stashkeep.html", import.meta.url).href;
 const folder = mkdtempSync(join(tmpdir(), "stashkeep-page-"));
 after(() => rmSync(folder, { recursive: true }));
 
