@@ -2,8 +2,8 @@
 import { findConcerns } from "./choices.js";
 import { button, element, paragraph, radioGroup, select } from "./elements.js";
 import { hasSavegame } from "./media.js";
-import { stashkeep } from "./program.js";
-import { exampleFiles, filesOfDrop, filesOfInput } from "./reading.js";
+import { stashkeep } from "./program/stashkeep.js";
+import { exampleFiles, filesOfDrop, filesOfInput } from "./files/reading.js";
 import {
   addFiles,
   giveRole,

@@ -2,8 +2,8 @@
 // that is shown.
 import { emptyPlan, findHolder, makePlan, sourceRoles } from "./choices.js";
 import { dataFileName, examine, isEqual, pairOf, readFlags, readSavegame, takeOut, transfer } from "./media.js";
-import { stashkeep } from "./program.js";
-import { readBytes } from "./reading.js";
+import { stashkeep } from "./program/stashkeep.js";
+import { readBytes } from "./files/reading.js";
 import { toText } from "./report.js";
 
 export const session = {

@@ -1,7 +1,7 @@
 // Reads what a person drops or chooses: files, and folders with their subfolders. A file that is not read yet is a pair
 // {file, path}: a File of the browser and its path from the folder that was given.
-import { formatSize } from "./media.js";
-import { dataBlock, fileSizeLimit, fromBase64 } from "./program.js";
+import { formatSize } from "../media.js";
+import { dataBlock, fileSizeLimit, fromBase64 } from "../program/stashkeep.js";
 
 const fileCountLimit = 200; // of a folder
 const walkLimit = 5000; // files of a folder that are looked at, to choose among them
