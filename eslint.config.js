@@ -15,9 +15,11 @@ const forbiddenMembers = [
   ...["sendBeacon", "serviceWorker", "href", "action", "formAction", "ping", "src", "srcset", "srcdoc"],
   ...["submit", "requestSubmit"],
   ...["location", "history", "navigation", "opener", "cookie", "storage", "createWritable", "createSyncAccessHandle"],
+  "dangerouslySetInnerHTML",
   ...["innerHTML", "outerHTML", "insertAdjacentHTML", "setHTMLUnsafe", "parseFromString", "write", "writeln"],
   ...forbiddenGlobals.filter((name) => !["open", "name", "print"].includes(name)),
 ];
+const forbiddenName = `/^(${forbiddenMembers.join("|")})$/`;
 const message = "The page sends, stores and navigates nothing, and takes text from files only as text.";
 
 export default [
@@ -29,15 +31,19 @@ export default [
     rules: { "prefer-const": "error", "no-var": "error", eqeqeq: "error", "no-shadow": "error" },
   },
   {
-    files: ["web/*.js"],
-    languageOptions: { globals: globals.browser },
+    files: ["web/**/*.{js,jsx}"],
+    languageOptions: { parserOptions: { ecmaFeatures: { jsx: true } } },
     rules: {
       "no-restricted-globals": ["error", ...forbiddenGlobals.map((name) => ({ name, message }))],
       "no-restricted-syntax": [
         "error",
-        { selector: `MemberExpression[property.name=/^(${forbiddenMembers.join("|")})$/]`, message },
-        { selector: `Property[key.name=/^(${forbiddenMembers.join("|")})$/]`, message },
-        { selector: `MemberExpression[computed=true] > Literal[value=/^(${forbiddenMembers.join("|")})$/]`, message },
+        { selector: `MemberExpression[property.name=${forbiddenName}]`, message },
+        { selector: `Property[key.name=${forbiddenName}]`, message },
+        { selector: `Property[key.value=${forbiddenName}]`, message },
+        { selector: `MemberExpression[computed=true] > Literal[value=${forbiddenName}]`, message },
+        { selector: `JSXAttribute[name.name=${forbiddenName}i]`, message }, // HTML ignores the case
+        { selector: "JSXNamespacedName", message }, // such as xlink:href
+        { selector: "JSXOpeningElement[name.name=/^meta$/i]", message }, // it can navigate
         {
           selector: "MemberExpression[object.name=/^(window|self|globalThis)$/][property.name=/^(open|name)$/]",
           message,
@@ -51,7 +57,10 @@ export default [
       ],
     },
   },
-  { files: ["web/worker.js"], languageOptions: { globals: globals.worker } },
-  { files: ["{web,tests/web,bench,scripts}/*.mjs"], languageOptions: { globals: globals.node } },
-  { files: ["{tests/web,bench,scripts}/*.mjs"], languageOptions: { globals: globals.browser } }, // in calls in the page
+  { files: ["web/**/*.jsx"], rules: { "no-unused-vars": "off" } }, // it does not see what JSX uses; tsc does
+  { files: ["web/**/*.{js,jsx}"], ignores: ["web/model/**"], languageOptions: { globals: globals.browser } },
+  { files: ["web/model/**"], languageOptions: { globals: globals["shared-node-browser"] } }, // the core runs anywhere
+  { files: ["web/program/worker.js"], languageOptions: { globals: globals.worker } },
+  { files: ["{web,tests/web,bench,scripts}/**/*.mjs"], languageOptions: { globals: globals.node } },
+  { files: ["{tests/web,bench,scripts}/**/*.mjs"], languageOptions: { globals: globals.browser } }, // in calls in the page
 ];
