@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Static analysis: clang-format, clang-tidy, cppcheck and shellcheck, and for the page prettier and eslint. Any finding is
-# an error.
+# Static analysis: clang-format, clang-tidy, cppcheck and shellcheck, and for the page prettier, eslint and tsc. Any finding
+# is an error.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -14,6 +14,7 @@ clang-format --dry-run --Werror "${sources[@]}" "${headers[@]}"
 shellcheck "${scripts[@]}"
 npx prettier --check web tests/web scripts/*.mjs '*.js' '*.json'
 npx eslint --max-warnings 0 .
+npx tsc
 # Unlike cppcheck, clang-tidy's bugprone-exception-escape sees which exceptions are caught.
 # Newer releases of cppcheck count it as a finding that they do not follow every branch.
 cppcheck --quiet --error-exitcode=1 --std=c++20 --language=c++ --enable=warning,performance,portability \

@@ -1,21 +1,46 @@
 // The program as a function: one call is one run of the command line, in a worker, on files in memory.
 
+/**
+ * What a run leaves: what it printed, all files afterwards, and the names of those that it wanted to open and that did
+ * not exist.
+ * @typedef {{exitStatus: number, output: Uint8Array, files: Record<string, Uint8Array>, missing: string[]}} Outcome
+ */
+
+/**
+ * What the worker is sent, and its answer. Files are pairs of name and bytes.
+ * @typedef {{module: WebAssembly.Module, args: string[], files: [string, Uint8Array<ArrayBuffer>][]}} Run
+ * @typedef {Omit<Outcome, "files"> & {files: [string, Uint8Array][], failure?: undefined}} Success
+ * @typedef {Success | {failure: string}} Answer
+ */
+
 /** In bytes. Browsers can read larger files, but not all of them can hold the copies that a run needs. */
 export const fileSizeLimit = 256 * 1024 * 1024;
 
 const argumentSizeLimit = 100_000; // characters of all arguments together; less than a shell's limit
 
-/** The text of one of the page's data blocks: a script element of a type that browsers do not run. */
+/**
+ * The text of one of the page's data blocks: a script element of a type that browsers do not run.
+ *
+ * @param {string} id
+ */
 export function dataBlock(id) {
-  return document.getElementById(id).textContent;
+  return /** @type {HTMLElement} */ (document.getElementById(id)).textContent;
 }
 
-/** The bytes of a text in Base64. */
+/**
+ * The bytes of a text in Base64.
+ *
+ * @param {string} text
+ */
 export function fromBase64(text) {
   return Uint8Array.from(atob(text), (character) => character.charCodeAt(0));
 }
 
-/** Whether the program gets this text as it is: neither cut at a zero nor with half a character. */
+/**
+ * Whether the program gets this text as it is: neither cut at a zero nor with half a character.
+ *
+ * @param {unknown} text
+ */
 function isPassedUnchanged(text) {
   return (
     typeof text === "string" &&
@@ -24,6 +49,7 @@ function isPassedUnchanged(text) {
   );
 }
 
+/** @param {unknown} args */
 function checkArguments(args) {
   if (!Array.isArray(args) || !args.every(isPassedUnchanged)) {
     throw new TypeError("The arguments must be an array of strings, without zeros and incomplete characters.");
@@ -33,6 +59,10 @@ function checkArguments(args) {
   }
 }
 
+/**
+ * @param {string} name
+ * @param {unknown} bytes
+ */
 function checkFile(name, bytes) {
   const isInFolder = name.split("/").every((part) => part !== "" && part !== "." && part !== "..");
   if (!isInFolder || !isPassedUnchanged(name)) {
@@ -46,8 +76,11 @@ function checkFile(name, bytes) {
   }
 }
 
-let compiled; // the WebAssembly module, which all runs share
+/** @type {WebAssembly.Module | undefined} */
+let compiled; // all runs share it
+/** @type {Worker | undefined} */
 let worker; // kept for the next run, unless one fails
+/** @type {Promise<void>} */
 let previousRun = Promise.resolve();
 
 function startWorker() {
@@ -57,10 +90,17 @@ function startWorker() {
   return worker;
 }
 
-/** Has the worker run the program, and resolves with its answer. */
+/**
+ * Has the worker run the program, and resolves with its answer.
+ *
+ * @param {Run["args"]} args
+ * @param {Run["files"]} files
+ * @returns {Promise<Success>}
+ */
 async function runInWorker(args, files) {
   compiled ??= await WebAssembly.compile(fromBase64(dataBlock("program")));
   const current = worker ?? startWorker();
+  /** @type {Answer} */
   const answer = await new Promise((resolve) => {
     current.onmessage = ({ data }) => resolve(data);
     current.onmessageerror = () => resolve({ failure: "The result could not be received." });
@@ -81,17 +121,16 @@ async function runInWorker(args, files) {
  * runs do not see it, and the given arrays stay unchanged. Calls that are made at the same time run one after the other.
  *
  * @param {string[]} args the command word and what follows it
- * @param {Object<string, Uint8Array>} files the contents of each file by its name, which may be a path like "a/b"
- * @returns {Promise<{exitStatus: number, output: Uint8Array, files: Object<string, Uint8Array>, missing: string[]}>}
- *     what it printed, all files afterwards, and the names of those that it wanted to open and that did not exist.
- *     Rejects with an Error if an argument or a file cannot be passed to the program, or if the program aborts.
+ * @param {Record<string, Uint8Array>} files the contents of each file by its name, which may be a path like "a/b"
+ * @returns {Promise<Outcome>} rejects with an Error if an argument or a file cannot be passed to the program, or if the
+ *     program aborts
  */
 export async function stashkeep(args, files = {}) {
   checkArguments(args);
   const entries = Object.entries(files);
   for (const [name, bytes] of entries) checkFile(name, bytes);
   const ownArgs = [...args];
-  const ownFiles = entries.map(([name, bytes]) => [name, bytes.slice()]);
+  const ownFiles = entries.map(([name, bytes]) => /** @type {Run["files"][0]} */ ([name, bytes.slice()]));
   const run = previousRun.then(() => runInWorker(ownArgs, ownFiles));
   const forget = () => {}; // the result may be large
   previousRun = run.then(forget, forget);

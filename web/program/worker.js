@@ -1,11 +1,23 @@
 // The worker: runs the program once for each message, in a fresh instance with a file system of its own. It follows
 // Emscripten's script in the worker's text.
-/* global createProgram */
+
+/** @import { Answer, Run, Success } from "./stashkeep.js" */
+/** @typedef {any} Program an instance, as Emscripten makes it */
+/** @typedef {any} FileSystem that of an instance: https://emscripten.org/docs/api_reference/Filesystem-API.html */
+
+/** @type {(options: object) => Promise<Program>} */
+const createProgram = /** @type {any} */ (globalThis).createProgram;
 
 const folder = "/files/"; // the program's current folder, which has only the given files at the start
 
+/** @param {string} path */
 const nameOf = (path) => (path.startsWith(folder) ? path.slice(folder.length) : path);
 
+/**
+ * @param {FileSystem} FS
+ * @param {string} name
+ * @param {Uint8Array} bytes
+ */
 function putFile(FS, name, bytes) {
   const path = folder + name;
   try {
@@ -16,17 +28,27 @@ function putFile(FS, name, bytes) {
   }
 }
 
-/** Standard output becomes a file, which takes every byte as it is. */
+/**
+ * Standard output becomes a file, which takes every byte as it is.
+ *
+ * @param {FileSystem} FS
+ */
 function redirectOutput(FS) {
   const standardOutput = 1;
   FS.close(FS.getStream(standardOutput));
   FS.open("/output", "w"); // gets the lowest free number
 }
 
-/** Collects the paths of the files that the program opens, and of those that it does not find. */
+/**
+ * Collects the paths of the files that the program opens, and of those that it does not find.
+ *
+ * @param {FileSystem} FS
+ * @param {Set<string>} opened
+ * @param {Set<string>} missing
+ */
 function watchOpening(FS, opened, missing) {
   const open = FS.open;
-  FS.open = (path, ...rest) => {
+  FS.open = (/** @type {string} */ path, /** @type {unknown[]} */ ...rest) => {
     try {
       const stream = open(path, ...rest);
       opened.add(stream.path);
@@ -38,11 +60,17 @@ function watchOpening(FS, opened, missing) {
   };
 }
 
-/** A fresh instance of the program. Emscripten's own promise does not notice a failing instantiation. */
+/**
+ * A fresh instance of the program. Emscripten's own promise does not notice a failing instantiation.
+ *
+ * @param {WebAssembly.Module} module
+ * @returns {Promise<Program>}
+ */
 function instantiate(module) {
   return new Promise((resolve, reject) => {
     const options = {
       stdin: () => null, // at its end
+      /** @type {(imports: WebAssembly.Imports, done: (instance: WebAssembly.Instance) => void) => object} */
       instantiateWasm(imports, done) {
         WebAssembly.instantiate(module, imports).then(done).catch(reject);
         return {};
@@ -52,7 +80,12 @@ function instantiate(module) {
   });
 }
 
-/** Runs the command line; `files` are pairs of name and bytes, which the program may keep and change. */
+/**
+ * Runs the command line. The program may keep and change the bytes of the files.
+ *
+ * @param {Run} run
+ * @returns {Promise<Success>}
+ */
 async function run({ module, args, files }) {
   const program = await instantiate(module);
   const { FS } = program;
@@ -77,12 +110,15 @@ async function run({ module, args, files }) {
   };
 }
 
+/** @type {(answer: Answer, transfer?: ArrayBufferLike[]) => void} a window's takes other arguments */
+const answer = /** @type {any} */ (postMessage);
+
 onmessage = async ({ data }) => {
   try {
     const result = await run(data);
     const buffers = [result.output, ...result.files.map(([, bytes]) => bytes)].map((bytes) => bytes.buffer);
-    postMessage(result, buffers);
+    answer(result, buffers);
   } catch (error) {
-    postMessage({ failure: error instanceof Error ? error.message : `The program threw ${error}.` });
+    answer({ failure: error instanceof Error ? error.message : `The program threw ${error}.` });
   }
 };
