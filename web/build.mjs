@@ -28,7 +28,7 @@ const examples = [
 const source = (path) => readFileSync(join(project, path), "utf8");
 
 /** @param {Uint8Array} bytes */
-const base64 = (bytes) => Buffer.from(bytes).toString("base64");
+const pack = (bytes) => gzipSync(bytes, { level: 9 }).toString("base64");
 
 /** @param {string} text */
 const hash = (text) => `'sha256-${createHash("sha256").update(text).digest("base64")}'`;
@@ -102,10 +102,7 @@ const main = bundle("web/main.jsx", "esm");
 const worker = bundle("web/program/worker.js", "iife");
 const script = `\n${main.script}`;
 const style = `\n${source("web/page.css")}`;
-const compressed = examples.map((name) => [
-  name,
-  base64(gzipSync(readFileSync(join(examplesFolder, name)), { level: 9 })),
-]);
+const packedExamples = examples.map((name) => [name, pack(readFileSync(join(examplesFolder, name)))]);
 const policy = [
   "default-src 'none'",
   `script-src ${hash(script)} 'wasm-unsafe-eval'`,
@@ -124,8 +121,8 @@ const parts = {
   '<link rel="stylesheet" href="page.css" />': `<style>${style}</style>`,
   '<script type="module" src="main.jsx"></script>': [
     dataBlock("worker", `${readFileSync(emscriptenScript, "utf8")}\n${worker.script}`),
-    dataBlock("program", base64(readFileSync(wasmModule))),
-    dataBlock("examples", JSON.stringify(Object.fromEntries(compressed))),
+    dataBlock("program", pack(readFileSync(wasmModule))),
+    dataBlock("examples", JSON.stringify(Object.fromEntries(packedExamples))),
     `<script type="module">${inScriptElement(script)}</script>`,
   ].join(""),
 };

@@ -1,13 +1,24 @@
-// Reads what a person drops or chooses: files, and folders with their subfolders. A file that is not read yet is a pair
-// {file, path}: a File of the browser and its path from the folder that was given.
-import { formatSize } from "../media.js";
-import { dataBlock, fileSizeLimit, fromBase64 } from "../program/stashkeep.js";
+// Reads what a person drops or chooses: files, and folders with their subfolders.
+import { lastName } from "../model/names.js";
+import { dataBlock, fileSizeLimit, unpack } from "../program/stashkeep.js";
+
+/**
+ * A file that is not read yet, with its path from the folder that was given.
+ * @typedef {{file: File, path: string, isUnreadable?: boolean}} Given
+ */
+/** @typedef {{files: Given[], leftOut: number}} Found `leftOut` is how many more files there were */
 
 const fileCountLimit = 200; // of a folder
 const walkLimit = 5000; // files of a folder that are looked at, to choose among them
 const totalSizeLimit = 2 * fileSizeLimit; // in bytes
 
-/** The files of a folder, by the handles that Chromium has. */
+/**
+ * The files of a folder, by the handles that Chromium has.
+ *
+ * @param {any} handle a FileSystemHandle
+ * @param {string} path
+ * @returns {AsyncGenerator<Given>}
+ */
 async function* walkHandle(handle, path) {
   if (handle.kind === "file") {
     yield { file: await handle.getFile(), path };
@@ -16,7 +27,13 @@ async function* walkHandle(handle, path) {
   }
 }
 
-/** The files of a folder, by the entries that all browsers have. In Chromium, they do not work on a page from a file. */
+/**
+ * The files of a folder, by the entries that all browsers have. In Chromium, they do not work on a page from a file.
+ *
+ * @param {any} entry a FileSystemEntry
+ * @param {string} path
+ * @returns {AsyncGenerator<Given>}
+ */
 async function* walkEntry(entry, path) {
   if (entry.isFile) {
     yield { file: await new Promise((resolve, reject) => entry.file(resolve, reject)), path };
@@ -29,15 +46,25 @@ async function* walkEntry(entry, path) {
   }
 }
 
-/** Of the files of a folder, those that are most likely of use. */
+/**
+ * Of the files of a folder, those that are most likely of use.
+ *
+ * @param {Given[]} files
+ * @returns {Found}
+ */
 function chooseLikely(files) {
-  const rank = ({ path }) =>
+  const rank = (/** @type {Given} */ { path }) =>
     ["d64|reu|georam|neoram|ybn|fbn|dat", "asm|inc"].findIndex((ends) => new RegExp(`\\.(${ends})$`, "i").test(path));
   const ranked = [0, 1, -1].flatMap((wanted) => files.filter((file) => rank(file) === wanted));
   return { files: ranked.slice(0, fileCountLimit), leftOut: Math.max(0, files.length - fileCountLimit) };
 }
 
+/**
+ * @param {{file: File | null, entry: FileSystemEntry, handle?: Promise<unknown>}} dropped
+ * @returns {Promise<Found>}
+ */
 async function readFolder({ file, entry, handle }) {
+  /** @type {Given[]} */
   const files = [];
   try {
     const walk = handle ? walkHandle(await handle, entry.name) : walkEntry(entry, entry.name);
@@ -51,53 +78,63 @@ async function readFolder({ file, entry, handle }) {
   }
 }
 
-/** The files that were dropped. To be called in the event, after which the browser forgets them. */
+/**
+ * The files that were dropped. To be called in the event, after which the browser forgets them.
+ *
+ * @param {DataTransfer} transfer
+ * @returns {Promise<Found>}
+ */
 export async function filesOfDrop({ items }) {
-  const dropped = [...items]
-    .filter(({ kind }) => kind === "file")
-    .map((item) => {
-      const entry = item.webkitGetAsEntry?.();
-      return { file: item.getAsFile(), entry, handle: entry?.isDirectory ? item.getAsFileSystemHandle?.() : undefined };
-    });
-  const read = (item) => {
-    return item.entry?.isDirectory
-      ? readFolder(item)
-      : { files: [{ file: item.file, path: item.file.name }], leftOut: 0 };
-  };
-  const found = await Promise.all(dropped.map(read));
+  const dropped = [...items].flatMap((/** @type {any} */ item) => {
+    const entry = item.webkitGetAsEntry?.();
+    const file = item.getAsFile();
+    if (entry?.isDirectory) return readFolder({ file, entry, handle: item.getAsFileSystemHandle?.() });
+    return file ? { files: [{ file, path: file.name }], leftOut: 0 } : [];
+  });
+  const found = await Promise.all(dropped);
   return {
     files: found.flatMap(({ files }) => files),
     leftOut: found.reduce((sum, { leftOut }) => sum + leftOut, 0),
   };
 }
 
-/** The files that were chosen in an input element. */
+/**
+ * The files that were chosen in an input element.
+ *
+ * @param {HTMLInputElement} input
+ * @returns {Found}
+ */
 export function filesOfInput({ files }) {
-  const all = [...files].map((file) => ({ file, path: file.webkitRelativePath || file.name }));
+  const all = [...(files ?? [])].map((file) => ({ file, path: file.webkitRelativePath || file.name }));
   return all.some(({ file }) => file.webkitRelativePath) ? chooseLikely(all) : { files: all, leftOut: 0 };
 }
 
-/** The examples, which the page contains compressed. */
+/**
+ * The examples, which the page contains compressed.
+ *
+ * @returns {Promise<Found>}
+ */
 export async function exampleFiles() {
-  const unpack = async ([path, compressed]) => {
-    const stream = new Blob([fromBase64(compressed)]).stream().pipeThrough(new DecompressionStream("gzip"));
-    return { file: new File([await new Response(stream).blob()], path.split("/").pop()), path: `examples/${path}` };
-  };
-  return { files: await Promise.all(Object.entries(JSON.parse(dataBlock("examples"))).map(unpack)), leftOut: 0 };
+  const examples = Object.entries(JSON.parse(dataBlock("examples"))).map(async ([path, text]) => {
+    return { file: new File([await unpack(text)], lastName(path)), path: `examples/${path}` };
+  });
+  return { files: await Promise.all(examples), leftOut: 0 };
 }
 
-/** The bytes of a file, or the problem in words if it cannot be read. `sizeBefore` is that of all files so far. */
+/**
+ * The bytes of a file, or the reason why it cannot be read.
+ *
+ * @param {Given} given
+ * @param {number} sizeBefore that of all files so far
+ * @returns {Promise<{bytes?: Uint8Array, reason?: "tooLarge" | "noRoom" | "unreadable"}>}
+ */
 export async function readBytes({ file, isUnreadable }, sizeBefore) {
-  if (file.size > fileSizeLimit) {
-    return { problem: `This file is too large: it has ${formatSize(file.size)}; at most 256 MiB can be read.` };
-  }
-  if (sizeBefore + file.size > totalSizeLimit) {
-    return { problem: "There is no room for this file: all files together can have 512 MiB. Remove others first." };
-  }
+  if (file.size > fileSizeLimit) return { reason: "tooLarge" };
+  if (sizeBefore + file.size > totalSizeLimit) return { reason: "noRoom" };
   try {
     if (!isUnreadable) return { bytes: new Uint8Array(await file.arrayBuffer()) };
   } catch {
     // A folder, or a file that is gone or locked
   }
-  return { problem: "This file cannot be read. If it is a folder, choose it with the button “Choose a folder”." };
+  return { reason: "unreadable" };
 }

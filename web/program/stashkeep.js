@@ -28,12 +28,14 @@ export function dataBlock(id) {
 }
 
 /**
- * The bytes of a text in Base64.
+ * The bytes of a text in Base64, which are compressed.
  *
  * @param {string} text
  */
-export function fromBase64(text) {
-  return Uint8Array.from(atob(text), (character) => character.charCodeAt(0));
+export async function unpack(text) {
+  const compressed = Uint8Array.from(atob(text), (character) => character.charCodeAt(0));
+  const stream = new Blob([compressed]).stream().pipeThrough(new DecompressionStream("gzip"));
+  return new Response(stream).arrayBuffer();
 }
 
 /**
@@ -98,7 +100,7 @@ function startWorker() {
  * @returns {Promise<Success>}
  */
 async function runInWorker(args, files) {
-  compiled ??= await WebAssembly.compile(fromBase64(dataBlock("program")));
+  compiled ??= await WebAssembly.compile(await unpack(dataBlock("program")));
   const current = worker ?? startWorker();
   /** @type {Answer} */
   const answer = await new Promise((resolve) => {

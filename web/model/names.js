@@ -1,0 +1,86 @@
+// What the names of files say, and names that no other file has.
+
+/** The name of the data file in every run of the program; no other file has it. */
+export const dataFileName = "zarnis-savegame.dat";
+
+/**
+ * A name without extension, and without what this page or a browser has added: "zarnis" of "zarnis (savegame of x) (1)".
+ *
+ * @param {string} stem
+ */
+export function withoutAdditions(stem) {
+  return stem.replace(/ \(\d+\)$/, "").replace(/ \(savegame of .*$/s, "");
+}
+
+/**
+ * What the name of a floppy image says: its number, if any, and the `series`, which is the rest of the path. The discs of
+ * one game have names of one series.
+ *
+ * @param {string} path
+ * @returns {{number?: number, series: string}}
+ */
+export function readDiscName(path) {
+  const [, folder = "", name = ""] = /^(.*\/)?(.*?)(?:\.[^.]*)?$/s.exec(path.toLowerCase()) ?? [];
+  const stem = withoutAdditions(name);
+  const numbers = [...stem.matchAll(/(dis[ck]|side|^|\D)[\s_.-]*([1-9])(?!\d)/g)];
+  const after = (/** @type {RegExp} */ word) => numbers.find(([text]) => word.test(text));
+  const best = after(/^dis[ck]/) ?? after(/^side/) ?? numbers.at(-1);
+  if (!best) return { series: path.toLowerCase() };
+  const at = best.index + best[0].length - 1;
+  return { number: Number(best[2]), series: `${folder}${stem.slice(0, at)}#${stem.slice(at + 1)}` };
+}
+
+/** @param {string} path */
+export function folderOf(path) {
+  return path.slice(0, path.lastIndexOf("/") + 1);
+}
+
+/** @param {string} path */
+export function lastName(path) {
+  return path.slice(path.lastIndexOf("/") + 1);
+}
+
+/**
+ * The text, with a number if it is taken already.
+ *
+ * @param {string} text
+ * @param {string[]} taken
+ * @param {(number: number) => string} withNumber
+ */
+export function uniqueText(text, taken, withNumber) {
+  let unique = text;
+  for (let number = 2; taken.includes(unique); ++number) unique = withNumber(number);
+  return unique;
+}
+
+/**
+ * The name with something before its extension.
+ *
+ * @param {string} name
+ * @param {string} addition
+ */
+export function insertBeforeExtension(name, addition) {
+  return name.replace(/(\.[^.]*)?$/s, (extension) => `${addition}${extension}`);
+}
+
+/**
+ * Titles without the folders that all of them have, and without the middle of very long names, as long as they differ.
+ *
+ * @param {string[]} titles
+ * @returns {Map<string, string>} the short one of each
+ */
+export function shortenTitles(titles) {
+  const limit = 40; // characters
+  const folders = titles.map((title) => title.split("/").slice(0, -1));
+  const [first = []] = folders;
+  const others = first.findIndex((name, depth) => folders.some((folder) => folder[depth] !== name));
+  const depth = others < 0 ? first.length : others; // of the folders that all have
+  /** @param {string} title */
+  function shorten(title) {
+    const text = title.split("/").slice(depth).join("/");
+    return text.length <= limit ? text : `${text.slice(0, limit / 2)}…${text.slice(-limit / 2)}`;
+  }
+  const short = titles.map(shorten);
+  const isUnique = (/** @type {string} */ text) => short.filter((other) => other === text).length === 1;
+  return new Map(titles.map((title, i) => [title, isUnique(short[i]) ? short[i] : title]));
+}
