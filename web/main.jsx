@@ -77,12 +77,7 @@ function doJob(job) {
     return job.kind === "make" ? make(job) : readFlagsOf(job);
 }
 
-/**
- * The program, whose runs are logged with what they are for.
- *
- * @param {string} purpose
- * @returns {Run}
- */
+/** The program, whose runs are logged with what they are for. @param {string} purpose @returns {Run} */
 function runFor(purpose) {
     send({ type: "progressMade", text: `${purpose} …` });
     return async (args, files) => {
@@ -142,12 +137,7 @@ async function findOutdated(files) {
     return outdated;
 }
 
-/**
- * Files with equal bytes have the same content.
- *
- * @param {string} id
- * @param {Uint8Array} bytes
- */
+/** Files with equal bytes have the same content. @param {string} id @param {Uint8Array} bytes */
 async function findContent(id, bytes) {
     for (const other of given.values()) {
         if (other.content && other.bytes && (await isEqual(bytes, other.bytes))) return other.content;
@@ -155,11 +145,7 @@ async function findContent(id, bytes) {
     return id;
 }
 
-/**
- * @param {string} path
- * @param {Uint8Array} bytes
- * @returns {Promise<Contents>}
- */
+/** @param {string} path @param {Uint8Array} bytes @returns {Promise<Contents>} */
 async function examineSafely(path, bytes) {
     const name = uniqueText(lastName(path), [dataFileName], (number) => `${number}-${dataFileName}`);
     try {
@@ -191,12 +177,7 @@ async function examineFiles(job) {
 
 // Savegames
 
-/**
- * A medium with its bytes.
- *
- * @param {Medium} medium
- * @returns {Images}
- */
+/** A medium with its bytes. @param {Medium} medium @returns {Images} */
 function imagesOf({ command, kind, files }) {
     const images = files.map(({ id, name }) => {
         const bytes = bytesOf(id);
@@ -250,12 +231,7 @@ async function readFlagsOf({ id: job, key, medium, main, included }) {
     });
 }
 
-/**
- * Has the browser save bytes under a name.
- *
- * @param {Uint8Array} bytes
- * @param {string} name
- */
+/** Has the browser save bytes under a name. @param {Uint8Array} bytes @param {string} name */
 function download(bytes, name) {
     const url = URL.createObjectURL(new Blob([/** @type {Uint8Array<ArrayBuffer>} */ (bytes)]));
     const link = document.createElement("a");

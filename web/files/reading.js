@@ -46,12 +46,7 @@ async function* walkEntry(entry, path) {
   }
 }
 
-/**
- * Of the files of a folder, those that are most likely of use.
- *
- * @param {Given[]} files
- * @returns {Found}
- */
+/** Of the files of a folder, those that are most likely of use. @param {Given[]} files @returns {Found} */
 function chooseLikely(files) {
   const rank = (/** @type {Given} */ { path }) =>
     ["d64|reu|georam|neoram|ybn|fbn|dat", "asm|inc"].findIndex((ends) => new RegExp(`\\.(${ends})$`, "i").test(path));
@@ -59,10 +54,7 @@ function chooseLikely(files) {
   return { files: ranked.slice(0, fileCountLimit), leftOut: Math.max(0, files.length - fileCountLimit) };
 }
 
-/**
- * @param {{file: File | null, entry: FileSystemEntry, handle?: Promise<unknown>}} dropped
- * @returns {Promise<Found>}
- */
+/** @param {{file: File | null, entry: FileSystemEntry, handle?: Promise<unknown>}} dropped @returns {Promise<Found>} */
 async function readFolder({ file, entry, handle }) {
   /** @type {Given[]} */
   const files = [];
@@ -98,22 +90,13 @@ export async function filesOfDrop({ items }) {
   };
 }
 
-/**
- * The files that were chosen in an input element.
- *
- * @param {HTMLInputElement} input
- * @returns {Found}
- */
+/** The files that were chosen in an input element. @param {HTMLInputElement} input @returns {Found} */
 export function filesOfInput({ files }) {
   const all = [...(files ?? [])].map((file) => ({ file, path: file.webkitRelativePath || file.name }));
   return all.some(({ file }) => file.webkitRelativePath) ? chooseLikely(all) : { files: all, leftOut: 0 };
 }
 
-/**
- * The examples, which the page contains compressed.
- *
- * @returns {Promise<Found>}
- */
+/** The examples, which the page contains compressed. @returns {Promise<Found>} */
 export async function exampleFiles() {
   const examples = Object.entries(JSON.parse(dataBlock("examples"))).map(async ([path, text]) => {
     return { file: new File([await unpack(text)], lastName(path)), path: `examples/${path}` };

@@ -5,12 +5,7 @@ import { itemName, isLikelyUsed, otherValueNames, valueNames } from "./values.js
 
 /** @typedef {{title: string, values: string[]}} Difference with the values of both savegames */
 
-/**
- * In how many of the 1,024 bytes they differ.
- *
- * @param {Savegame} savegame
- * @param {Savegame} other
- */
+/** In how many of the 1,024 bytes they differ. @param {Savegame} savegame @param {Savegame} other */
 export function countDifferentBytes(savegame, other) {
   return savegame.reduce(
     (sum, { bytes }, i) => sum + bytes.filter((byte, at) => byte !== other[i].bytes[at]).length,
@@ -18,11 +13,7 @@ export function countDifferentBytes(savegame, other) {
   );
 }
 
-/**
- * How many there are of each item.
- *
- * @param {Slot[]} slots
- */
+/** How many there are of each item. @param {Slot[]} slots */
 function countItems(slots) {
   /** @type {Map<string, number>} */
   const counts = new Map();
@@ -30,12 +21,7 @@ function countItems(slots) {
   return counts;
 }
 
-/**
- * @param {string} where
- * @param {Slot[]} slots
- * @param {Slot[]} others
- * @returns {Difference[]}
- */
+/** @param {string} where @param {Slot[]} slots @param {Slot[]} others @returns {Difference[]} */
 function compareItems(where, slots, others) {
   const [counts, otherCounts] = [countItems(slots), countItems(others)];
   const names = [...new Set([...counts.keys(), ...otherCounts.keys()])];
@@ -45,11 +31,7 @@ function compareItems(where, slots, others) {
   }));
 }
 
-/**
- * @param {Disc} disc
- * @param {Disc} other
- * @returns {Difference[]}
- */
+/** @param {Disc} disc @param {Disc} other @returns {Difference[]} */
 function compareDiscs(disc, other) {
   const states = [disc, other].map(({ state }) => ({ none: "none", damaged: "damaged", good: "undamaged" })[state]);
   const state = { title: "Savegame", values: states };
@@ -74,12 +56,7 @@ function isDifferent({ values: [value, other] }) {
   return value !== other;
 }
 
-/**
- * The values and items that differ, disc by disc.
- *
- * @param {Savegame} savegame
- * @param {Savegame} other
- */
+/** The values and items that differ, disc by disc. @param {Savegame} savegame @param {Savegame} other */
 export function compareSavegames(savegame, other) {
   return savegame.flatMap((disc, i) =>
     compareDiscs(disc, other[i])
@@ -104,12 +81,7 @@ export function compareFlags(flags, others) {
   });
 }
 
-/**
- * The first of the other media that has the same savegame.
- *
- * @param {Medium} medium
- * @param {Medium[]} media
- */
+/** The first of the other media that has the same savegame. @param {Medium} medium @param {Medium[]} media */
 export function findSameSavegame(medium, media) {
   return media.find((other) => other.id !== medium.id && countDifferentBytes(medium.savegame, other.savegame) === 0);
 }

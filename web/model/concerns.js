@@ -6,10 +6,7 @@ import { findMedium, newDataFile } from "./media.js";
 
 /** @import { Concern, FileFacts, Medium, State } from "./types.js" */
 
-/**
- * @param {Medium} medium
- * @returns {Concern[]}
- */
+/** @param {Medium} medium @returns {Concern[]} */
 function findDamages(medium) {
   return medium.savegame.flatMap(({ state, damagedPages }, i) => {
     const disc = i + 2;
@@ -54,11 +51,7 @@ export function findConcerns(state) {
   return [...findDamages(from), ...[from, into].flatMap((medium) => (medium ? findDoubts(state.files, medium) : []))];
 }
 
-/**
- * A text that is the same only for the same concerns about the same files.
- *
- * @param {Concern[]} concerns
- */
+/** A text that is the same only for the same concerns about the same files. @param {Concern[]} concerns */
 export function keyOf(concerns) {
   return concerns.map(({ kind, medium, disc, page, file }) => [kind, medium.id, disc, page, file?.id].join()).join(" ");
 }

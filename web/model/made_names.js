@@ -50,11 +50,7 @@ function originOf({ files }) {
   return toPart(backup ?? `${withoutAdditions(stem)}, ${formatTime(modified)}`);
 }
 
-/**
- * The name of a data file with the savegame of a medium.
- *
- * @param {Medium} medium
- */
+/** The name of a data file with the savegame of a medium. @param {Medium} medium */
 export function nameOfBackup(medium) {
   return `savegame of ${originOf(medium)}.dat`;
 }

@@ -16,11 +16,7 @@ export function titleOf({ files }) {
   return files.map(({ title }) => title).join(" and ");
 }
 
-/**
- * @param {FileFacts[]} files
- * @param {Pair} pair
- * @returns {Medium | undefined} nothing if a place is empty
- */
+/** @param {FileFacts[]} files @param {Pair} pair @returns {Medium | undefined} nothing if a place is empty */
 export function mediumOfPair(files, pair) {
   const discs = discNumbers.flatMap((disc) => files.find(({ id }) => id === pair[disc]?.file) ?? []);
   if (discs.length < discNumbers.length) return undefined;
@@ -30,10 +26,7 @@ export function mediumOfPair(files, pair) {
   return { id, kind: "pair", files: discs, pair, command: "d64", savegame, canTake: true, isSame };
 }
 
-/**
- * @param {FileFacts} file
- * @returns {Medium | undefined} nothing if it is no medium by itself
- */
+/** @param {FileFacts} file @returns {Medium | undefined} nothing if it is no medium by itself */
 export function mediumOfFile(file) {
   const { id, contents } = file;
   if (contents.kind !== "memory" && contents.kind !== "data") return undefined;
@@ -42,10 +35,7 @@ export function mediumOfFile(file) {
   return { id, kind, files: [file], command, savegame, canTake, isSame: false };
 }
 
-/**
- * @param {Pick<State, "files" | "pairs">} state
- * @returns {Medium[]}
- */
+/** @param {Pick<State, "files" | "pairs">} state @returns {Medium[]} */
 export function findMedia({ files, pairs }) {
   return [
     ...pairs.flatMap((pair) => mediumOfPair(files, pair) ?? []),
@@ -88,12 +78,7 @@ export function isPossible({ refusal }) {
   return refusal === undefined;
 }
 
-/**
- * The medium with this id.
- *
- * @param {Pick<State, "files" | "pairs">} state
- * @param {string | undefined} id
- */
+/** The medium with this id. @param {Pick<State, "files" | "pairs">} state @param {string | undefined} id */
 export function findMedium(state, id) {
   return id === undefined ? undefined : findMedia(state).find((medium) => medium.id === id);
 }

@@ -53,12 +53,7 @@ export function uniqueText(text, taken, withNumber) {
   return unique;
 }
 
-/**
- * The name with something before its extension.
- *
- * @param {string} name
- * @param {string} addition
- */
+/** The name with something before its extension. @param {string} name @param {string} addition */
 export function insertBeforeExtension(name, addition) {
   return name.replace(/(\.[^.]*)?$/s, (extension) => `${addition}${extension}`);
 }

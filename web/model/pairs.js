@@ -25,12 +25,7 @@ function floppiesOf(files) {
   return files.filter(({ contents }) => contents.kind === "floppy");
 }
 
-/**
- * The floppy images that are in no pair.
- *
- * @param {FileFacts[]} files
- * @param {Pair[]} pairs
- */
+/** The floppy images that are in no pair. @param {FileFacts[]} files @param {Pair[]} pairs */
 export function findFreeFloppies(files, pairs) {
   return floppiesOf(files).filter(({ id }) => !findPlace(pairs, id));
 }
@@ -134,13 +129,7 @@ export function withoutEmptyPairs(pairs) {
   return pairs.filter((pair) => pair[2] || pair[3]);
 }
 
-/**
- * Replaces a file in its place, or empties that.
- *
- * @param {Pair[]} pairs
- * @param {string} file
- * @param {Place} [by]
- */
+/** Replaces a file in its place, or empties that. @param {Pair[]} pairs @param {string} file @param {Place} [by] */
 export function replaceInPairs(pairs, file, by) {
   const found = findPlace(pairs, file);
   return pairs.map((pair) => (pair === found?.pair ? { ...pair, [found.disc]: by } : pair));
@@ -176,10 +165,7 @@ export function placeDisc(pairs, file, pairId, disc) {
   return cleared.map((pair) => (pair.id === pairId ? { ...pair, [disc]: { file, grounds: "chosen" } } : pair));
 }
 
-/**
- * @param {Pair[]} pairs
- * @param {string} pairId
- */
+/** @param {Pair[]} pairs @param {string} pairId */
 export function exchangeDiscs(pairs, pairId) {
   const chosen = (/** @type {Place | undefined} */ place) =>
     place && { ...place, grounds: /** @type {const} */ ("chosen") };

@@ -22,19 +22,12 @@ function splitAt(text, heading) {
   return [before, after.join(heading)];
 }
 
-/**
- * The text about disc 2, and that about disc 3.
- *
- * @param {Uint8Array} output
- */
+/** The text about disc 2, and that about disc 3. @param {Uint8Array} output */
 function splitDiscs(output) {
   return splitAt(splitAt(toText(output), disc2Heading)[1], disc3Heading);
 }
 
-/**
- * @param {string[]} lines
- * @returns {Slot[]}
- */
+/** @param {string[]} lines @returns {Slot[]} */
 function parseSlots(lines) {
   return lines.flatMap((line) => {
     const match = /^(\d+)_item:(\d+)<(.*)> count:(\d+)(->not in inventory)?/.exec(line);
@@ -44,11 +37,7 @@ function parseSlots(lines) {
   });
 }
 
-/**
- * @param {string} text
- * @param {Uint8Array} bytes
- * @returns {Disc}
- */
+/** @param {string} text @param {Uint8Array} bytes @returns {Disc} */
 function parseDisc(text, bytes) {
   const [scalars = [], inventory = [], chest = []] = text
     .split(/\n(?:inventory|chest): <\d+ items>\n/)
@@ -79,11 +68,7 @@ export function parseReport(output, data) {
   return splitDiscs(output).map((text, i) => parseDisc(text, data.slice(i * discSize, (i + 1) * discSize)));
 }
 
-/**
- * Name and value of each flag.
- *
- * @param {string} text
- */
+/** Name and value of each flag. @param {string} text */
 function parseFlags(text) {
   return [...text.matchAll(/(.*?) = (-?\d+)\n/gs)].map(([, name, value]) => ({ name, value }));
 }

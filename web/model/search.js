@@ -2,12 +2,7 @@
 
 export const rowLimit = 300; // more rows make the page slow, and nobody reads them
 
-/**
- * Whether a name contains the text, in any case of letters.
- *
- * @param {string} name
- * @param {string} text
- */
+/** Whether a name contains the text, in any case of letters. @param {string} name @param {string} text */
 export function isFound(name, text) {
   return text === "" || name.toLowerCase().includes(text.toLowerCase());
 }

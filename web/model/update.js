@@ -43,31 +43,19 @@ function withId(state) {
   return { id: String(state.lastId + 1), state: { ...state, lastId: state.lastId + 1 } };
 }
 
-/**
- * @param {State} state
- * @param {Record<string, unknown>} notice
- * @returns {State}
- */
+/** @param {State} state @param {Record<string, unknown>} notice @returns {State} */
 function withNotice(state, notice) {
   const { id, state: next } = withId(state);
   return { ...next, notices: [...next.notices, /** @type {Notice} */ ({ id, ...notice })] };
 }
 
-/**
- * @param {State} state
- * @param {Record<string, unknown>} job
- * @returns {State}
- */
+/** @param {State} state @param {Record<string, unknown>} job @returns {State} */
 function withJob(state, job) {
   const { id, state: next } = withId(state);
   return { ...next, jobs: [...next.jobs, /** @type {Job} */ ({ id, ...job })] };
 }
 
-/**
- * @param {State} state
- * @param {string} job
- * @returns {State}
- */
+/** @param {State} state @param {string} job @returns {State} */
 function withoutJob(state, job) {
   return { ...state, jobs: state.jobs.filter(({ id }) => id !== job), progress: "" };
 }
@@ -94,11 +82,7 @@ function letterOf(number) {
   return String.fromCodePoint("a".charCodeAt(0) + number - 1);
 }
 
-/**
- * @param {State} state
- * @param {FileFacts} file
- * @returns {State}
- */
+/** @param {State} state @param {FileFacts} file @returns {State} */
 function addFile(state, file) {
   const title = uniqueText(
     file.path,
@@ -111,12 +95,7 @@ function addFile(state, file) {
   return { ...state, files: [...state.files, { ...file, title, name }] };
 }
 
-/**
- * @param {State} state
- * @param {FileFacts} old
- * @param {FileFacts} file
- * @returns {State}
- */
+/** @param {State} state @param {FileFacts} old @param {FileFacts} file @returns {State} */
 function replaceFile(state, old, file) {
   const { title, name } = old;
   const isFloppy = file.contents.kind === "floppy"; // it may be cut off now
@@ -158,11 +137,7 @@ function isSameFile(other, file) {
   return isUsable && other.content === file.content && other.modified === file.modified;
 }
 
-/**
- * @param {State} state
- * @param {{job: string, files: ExaminedFile[], outdated: string[]}} action
- * @returns {State}
- */
+/** @param {State} state @param {{job: string, files: ExaminedFile[], outdated: string[]}} action @returns {State} */
 function filesExamined(state, { job, files, outdated }) {
   if (!state.jobs.some(({ id }) => id === job)) return state; // started over meanwhile
   const ended = withoutJob(state, job);
@@ -180,19 +155,12 @@ function filesExamined(state, { job, files, outdated }) {
   return withGuesses(state, next, job);
 }
 
-/**
- * @param {FileFacts[]} files
- * @param {string[]} outdated
- */
+/** @param {FileFacts[]} files @param {string[]} outdated */
 function markOutdated(files, outdated) {
   return files.map((file) => (outdated.includes(file.id) ? { ...file, isOutdated: true } : file));
 }
 
-/**
- * @param {State} state
- * @param {{id: string}} action
- * @returns {State}
- */
+/** @param {State} state @param {{id: string}} action @returns {State} */
 function fileRemoved(state, { id }) {
   return {
     ...state,
@@ -305,20 +273,12 @@ function makeAsked(state) {
   return withJob(withoutNotices(state, "notMade"), { kind: "make", from, into, names, concerns });
 }
 
-/**
- * @param {State} state
- * @param {string} kind
- * @returns {State}
- */
+/** @param {State} state @param {string} kind @returns {State} */
 function withoutNotices(state, kind) {
   return { ...state, notices: state.notices.filter((notice) => notice.kind !== kind) };
 }
 
-/**
- * @param {State} state
- * @param {{job: string, files: Omit<MadeFile, "isSaved">[]}} action
- * @returns {State}
- */
+/** @param {State} state @param {{job: string, files: Omit<MadeFile, "isSaved">[]}} action @returns {State} */
 function filesMade(state, { job: id, files }) {
   const ended = withoutJob(state, id);
   const job = state.jobs.find((other) => other.id === id);
@@ -330,11 +290,7 @@ function filesMade(state, { job: id, files }) {
   return { ...ended, result, gone: { ...ended.gone, result: undefined } };
 }
 
-/**
- * @param {State} state
- * @param {{job: string, error?: string, outdated: string[]}} action
- * @returns {State}
- */
+/** @param {State} state @param {{job: string, error?: string, outdated: string[]}} action @returns {State} */
 function makingFailed(state, { job, error, outdated }) {
   const files = markOutdated(state.files, outdated);
   const changed = files.filter(({ id }) => outdated.includes(id));
@@ -342,11 +298,7 @@ function makingFailed(state, { job, error, outdated }) {
   return withNotice(withoutJob({ ...state, files }, job), { kind: "notMade", error, outdated: changed });
 }
 
-/**
- * @param {State} state
- * @param {{result: string, index: number}} action
- * @returns {State}
- */
+/** @param {State} state @param {{result: string, index: number}} action @returns {State} */
 function fileSaved(state, { result: id, index }) {
   const { result } = state;
   if (result?.id !== id) return state;

@@ -13,20 +13,12 @@ export const valueNames = new Map([
 
 const namesOfState = ["validsavegame", "checkSumPage0", "checkSumPage1"]; // what they say is shown as the state
 
-/**
- * The values that nobody can explain. They keep the names of the report.
- *
- * @param {Disc} disc
- */
+/** The values that nobody can explain. They keep the names of the report. @param {Disc} disc */
 export function otherValueNames({ fields }) {
   return [...fields.keys()].filter((name) => !valueNames.has(name) && !namesOfState.includes(name));
 }
 
-/**
- * The item as words: "Potion healing".
- *
- * @param {Slot} slot
- */
+/** The item as words: "Potion healing". @param {Slot} slot */
 export function itemName({ id, name }) {
   if (name === "undefined") return `Unknown item ${id}`;
   const words = name

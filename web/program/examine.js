@@ -36,24 +36,13 @@ function extensionOf(name) {
   return name.split(".").at(-1)?.toLowerCase() ?? "";
 }
 
-/**
- * The savegame in a data file.
- *
- * @param {Run} run
- * @param {Uint8Array} data
- * @returns {Promise<Savegame>}
- */
+/** The savegame in a data file. @param {Run} run @param {Uint8Array} data @returns {Promise<Savegame>} */
 async function inspect(run, data) {
   const { output } = await run(["check", dataFileName], { [dataFileName]: data });
   return parseReport(output, data);
 }
 
-/**
- * @param {Run} run
- * @param {string} name
- * @param {Uint8Array} bytes
- * @returns {Promise<Contents>}
- */
+/** @param {Run} run @param {string} name @param {Uint8Array} bytes @returns {Promise<Contents>} */
 async function examineFloppy(run, name, bytes) {
   const image = { name, bytes: bytes.subarray(0, floppySize) };
   const data = await tryToExtract(run, { command: "d64", files: [image, image] });
@@ -62,12 +51,7 @@ async function examineFloppy(run, name, bytes) {
   return { kind: "floppy", disc, tailSize: bytes.length - floppySize };
 }
 
-/**
- * Why a file that is no medium cannot be used.
- *
- * @param {number} size
- * @param {string} extension
- */
+/** Why a file that is no medium cannot be used. @param {number} size @param {string} extension */
 function findReason(size, extension) {
   const isPowerOfTwo = Number.isInteger(Math.log2(size));
   if (size >= leastExpansionSize && (isPowerOfTwo || memoryExtensions.includes(extension))) return "noPlace";
@@ -75,12 +59,7 @@ function findReason(size, extension) {
   return extension === "d64" ? "oddFloppy" : "unknown";
 }
 
-/**
- * @param {Run} run
- * @param {string} name
- * @param {Uint8Array} bytes
- * @returns {Promise<Contents>}
- */
+/** @param {Run} run @param {string} name @param {Uint8Array} bytes @returns {Promise<Contents>} */
 async function examineMemoryImage(run, name, bytes) {
   const extension = extensionOf(name);
   const command = ["ybn", "fbn"].includes(extension) ? extension : "reu";
@@ -94,12 +73,7 @@ async function examineMemoryImage(run, name, bytes) {
   return { kind: "refused", reason: findReason(bytes.length, extension) };
 }
 
-/**
- * @param {Run} run
- * @param {string} name
- * @param {Uint8Array} bytes
- * @returns {Promise<Contents>}
- */
+/** @param {Run} run @param {string} name @param {Uint8Array} bytes @returns {Promise<Contents>} */
 export async function examine(run, name, bytes) {
   const size = bytes.length;
   if (size === floppySize || size === floppySize + errorBytesSize) return examineFloppy(run, name, bytes);

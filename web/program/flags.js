@@ -5,11 +5,7 @@ import { parseFlagReport, toText } from "../model/report.js";
 /** @import { Flags } from "../model/types.js" */
 /** @import { Run } from "./transfer.js" */
 
-/**
- * The path at which the program looks for an included file.
- *
- * @param {string} path
- */
+/** The path at which the program looks for an included file. @param {string} path */
 export function includedPath(path) {
   const inGenerated = path.split("generated/").slice(1).pop();
   return `generated/${inGenerated ?? lastName(path)}`;

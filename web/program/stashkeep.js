@@ -27,11 +27,7 @@ export function dataBlock(id) {
   return /** @type {HTMLElement} */ (document.getElementById(id)).textContent;
 }
 
-/**
- * The bytes of a text in Base64, which are compressed.
- *
- * @param {string} text
- */
+/** The bytes of a text in Base64, which are compressed. @param {string} text */
 export async function unpack(text) {
   const compressed = Uint8Array.from(atob(text), (character) => character.charCodeAt(0));
   const stream = new Blob([compressed]).stream().pipeThrough(new DecompressionStream("gzip"));
@@ -61,10 +57,7 @@ function checkArguments(args) {
   }
 }
 
-/**
- * @param {string} name
- * @param {unknown} bytes
- */
+/** @param {string} name @param {unknown} bytes */
 function checkFile(name, bytes) {
   const isInFolder = name.split("/").every((part) => part !== "" && part !== "." && part !== "..");
   if (!isInFolder || !isPassedUnchanged(name)) {

@@ -18,12 +18,7 @@ export const dataFileSize = 1024; // bytes
 
 const sliceSize = 16 * 1024 * 1024; // bytes that are compared at once, so that the page stays alive
 
-/**
- * In how many places two arrays of one length differ.
- *
- * @param {Uint8Array} bytes
- * @param {Uint8Array} otherBytes
- */
+/** In how many places two arrays of one length differ. @param {Uint8Array} bytes @param {Uint8Array} otherBytes */
 async function countDifferences(bytes, otherBytes) {
   let count = 0;
   for (let start = 0; start < bytes.length; start += sliceSize) {
@@ -36,18 +31,12 @@ async function countDifferences(bytes, otherBytes) {
   return count;
 }
 
-/**
- * @param {Uint8Array} bytes
- * @param {Uint8Array} otherBytes
- */
+/** @param {Uint8Array} bytes @param {Uint8Array} otherBytes */
 export async function isEqual(bytes, otherBytes) {
   return bytes.length === otherBytes.length && (await countDifferences(bytes, otherBytes)) === 0;
 }
 
-/**
- * @param {Uint8Array} bytes
- * @param {Uint8Array} tail
- */
+/** @param {Uint8Array} bytes @param {Uint8Array} tail */
 function concatenate(bytes, tail) {
   const all = new Uint8Array(bytes.length + tail.length);
   all.set(bytes);
@@ -87,12 +76,7 @@ async function tryToImplant(run, data, medium) {
   return { ...medium, files: medium.files.map((file) => ({ ...file, bytes: files[file.name] })) };
 }
 
-/**
- * The bytes of the savegame in a medium. Throws if the program refuses.
- *
- * @param {Run} run
- * @param {Images} medium
- */
+/** The bytes of the savegame in a medium. Throws if the program refuses. @param {Run} run @param {Images} medium */
 export async function extract(run, medium) {
   if (medium.command === "") return medium.files[0].bytes;
   const data = await tryToExtract(run, medium);
@@ -127,22 +111,14 @@ function copyOf(medium, names) {
 /** A data file of which no part equals another one. */
 const markedSavegame = Uint8Array.from({ length: dataFileSize }, (_, i) => (i ** 3) >> 5);
 
-/**
- * Whether the medium has a place for every byte of a savegame.
- *
- * @param {Run} run
- * @param {Images} medium
- */
+/** Whether the medium has a place for every byte of a savegame. @param {Run} run @param {Images} medium */
 export async function keepsSavegame(run, medium) {
   const made = await tryToImplant(run, markedSavegame, copyOf(medium));
   const data = made && (await tryToExtract(run, made));
   return data !== undefined && isEqual(data, markedSavegame);
 }
 
-/**
- * @param {Images} medium
- * @param {Images} otherMedium
- */
+/** @param {Images} medium @param {Images} otherMedium */
 async function requireEqualFiles(medium, otherMedium) {
   for (const [i, { name, bytes }] of medium.files.entries()) {
     if (!(await isEqual(bytes, otherMedium.files[i].bytes))) throw new Error(`${name} is not as it has to be.`);
@@ -151,13 +127,7 @@ async function requireEqualFiles(medium, otherMedium) {
 
 /** @typedef {{name: string, bytes: Uint8Array, changedBytes: number, tailSize: number}} Made */
 
-/**
- * A data file that was made, as it is.
- *
- * @param {string} name
- * @param {Uint8Array} bytes
- * @returns {Made}
- */
+/** A data file that was made, as it is. @param {string} name @param {Uint8Array} bytes @returns {Made} */
 function toDataFile(name, bytes) {
   return { name, bytes, changedBytes: 0, tailSize: 0 };
 }

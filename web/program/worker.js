@@ -13,11 +13,7 @@ const folder = "/files/"; // the program's current folder, which has only the gi
 /** @param {string} path */
 const nameOf = (path) => (path.startsWith(folder) ? path.slice(folder.length) : path);
 
-/**
- * @param {FileSystem} FS
- * @param {string} name
- * @param {Uint8Array} bytes
- */
+/** @param {FileSystem} FS @param {string} name @param {Uint8Array} bytes */
 function putFile(FS, name, bytes) {
   const path = folder + name;
   try {
@@ -28,11 +24,7 @@ function putFile(FS, name, bytes) {
   }
 }
 
-/**
- * Standard output becomes a file, which takes every byte as it is.
- *
- * @param {FileSystem} FS
- */
+/** Standard output becomes a file, which takes every byte as it is. @param {FileSystem} FS */
 function redirectOutput(FS) {
   const standardOutput = 1;
   FS.close(FS.getStream(standardOutput));

@@ -49,11 +49,7 @@ function changeAndFocusNext(button, change) {
     next?.focus();
 }
 
-/**
- * Removes files.
- *
- * @param {{files: FileFacts[], send: Send}} props
- */
+/** Removes files. @param {{files: FileFacts[], send: Send}} props */
 function RemoveButton({ files, send }) {
     const name = `Remove ${files.map(({ title }) => title).join(" and ")}`;
     const remove = (/** @type {{currentTarget: HTMLElement}} */ { currentTarget }) =>

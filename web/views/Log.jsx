@@ -2,11 +2,7 @@
 
 /** @import { LogEntry } from "../model/types.js" */
 
-/**
- * A command line as one types it, with quotes around names that need them.
- *
- * @param {string[]} args
- */
+/** A command line as one types it, with quotes around names that need them. @param {string[]} args */
 function commandLine(args) {
     return ["stashkeep", ...args].map((word) => (/^[\w./-]+$/.test(word) ? word : `"${word}"`)).join(" ");
 }

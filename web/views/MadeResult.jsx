@@ -52,9 +52,7 @@ function describeSaved({ files, into }) {
     return `${count} of ${files.length} saved${needed}`;
 }
 
-/**
- * @param {{result: Result, onSave: (index: number) => void, onSaveAll: () => void}} props
- */
+/** @param {{result: Result, onSave: (index: number) => void, onSaveAll: () => void}} props */
 export function MadeResult({ result, onSave, onSaveAll }) {
     const { files, from, into, concerns } = result;
     const hasMore = files.length > 1;

@@ -19,10 +19,7 @@ const refusals = {
     noPlace: "There is no place for a savegame.",
 };
 
-/**
- * @param {Map<string, string>} titles
- * @param {Medium} medium
- */
+/** @param {Map<string, string>} titles @param {Medium} medium */
 export function shortTitleOf(titles, { files }) {
     return joinWords(files.map(({ title }) => titles.get(title) ?? title));
 }

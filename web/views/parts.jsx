@@ -13,11 +13,7 @@ export function formatSize(size) {
     return `${formatNumber(size)} ${size === 1 ? "byte" : "bytes"}`;
 }
 
-/**
- * @param {number} count
- * @param {string} one
- * @param {string} more
- */
+/** @param {number} count @param {string} one @param {string} more */
 export function countOf(count, one, more) {
     return `${formatNumber(count)} ${count === 1 ? one : more}`;
 }
@@ -34,11 +30,7 @@ export function goTo(id) {
     heading?.focus({ preventScroll: true });
 }
 
-/**
- * A short title; the whole one is in its tooltip.
- *
- * @param {{titles: Map<string, string>, title: string}} props
- */
+/** A short title; the whole one is in its tooltip. @param {{titles: Map<string, string>, title: string}} props */
 export function Short({ titles, title }) {
     return <span title={title}>{titles.get(title) ?? title}</span>;
 }

@@ -27,11 +27,7 @@ export function Badge({ discs }) {
     return <span class={`badge ${isDamaged ? "damaged" : "good"}`}>{isDamaged ? "damaged savegame" : "savegame"}</span>;
 }
 
-/**
- * What there is, at a glance.
- *
- * @param {{discs: Disc[]}} props
- */
+/** What there is, at a glance. @param {{discs: Disc[]}} props */
 export function Summary({ discs }) {
     const missing = discs.length > 1 ? discs.flatMap(({ state }, i) => (state === "none" ? i + 2 : [])) : [];
     const isHalf = missing.length === 1;
