@@ -31,256 +31,254 @@ const given = new Map();
 let made = [];
 
 function show() {
-    render(<App state={state} send={send} effects={{ giveInput, giveExamples, save, saveAll }} />, root);
-    status.textContent = state.progress;
+  render(<App state={state} send={send} effects={{ giveInput, giveExamples, save, saveAll }} />, root);
+  status.textContent = state.progress;
 }
 
 /** @param {Action} action */
 function send(action) {
-    const before = state;
-    try {
-        state = update(state, action);
-    } catch (error) {
-        state = update(state, { type: "givingFailed", error: String(error) });
-    }
-    show();
-    if (state.result && state.result !== before.result && !before.result) goTo("result-heading");
-    forgetUnused();
-    work();
+  const before = state;
+  try {
+    state = update(state, action);
+  } catch (error) {
+    state = update(state, { type: "givingFailed", error: String(error) });
+  }
+  show();
+  if (state.result && state.result !== before.result && !before.result) goTo("result-heading");
+  forgetUnused();
+  work();
 }
 
 /** Forgets the bytes of files that are no longer in the list. */
 function forgetUnused() {
-    const jobs = state.jobs.flatMap((job) => (job.kind === "examine" ? job.given : []));
-    const used = new Set([...state.files, ...state.doubles, ...jobs].map(({ id }) => id));
-    for (const id of given.keys()) if (!used.has(id)) given.delete(id);
-    if (!state.result) made = [];
+  const jobs = state.jobs.flatMap((job) => (job.kind === "examine" ? job.given : []));
+  const used = new Set([...state.files, ...state.doubles, ...jobs].map(({ id }) => id));
+  for (const id of given.keys()) if (!used.has(id)) given.delete(id);
+  if (!state.result) made = [];
 }
 
 /** Does the first job, and those that follow. */
 async function work() {
-    const job = state.jobs[0];
-    if (isWorking || !job) return;
-    isWorking = true;
-    try {
-        await doJob(job);
-    } catch (error) {
-        send({ type: "jobFailed", job: job.id, error: error instanceof Error ? error.message : String(error) });
-    }
-    isWorking = false;
-    work();
+  const job = state.jobs[0];
+  if (isWorking || !job) return;
+  isWorking = true;
+  try {
+    await doJob(job);
+  } catch (error) {
+    send({ type: "jobFailed", job: job.id, error: error instanceof Error ? error.message : String(error) });
+  }
+  isWorking = false;
+  work();
 }
 
 /** @param {Job} job */
 function doJob(job) {
-    if (job.kind === "examine") return examineFiles(job);
-    return job.kind === "make" ? make(job) : readFlagsOf(job);
+  if (job.kind === "examine") return examineFiles(job);
+  return job.kind === "make" ? make(job) : readFlagsOf(job);
 }
 
 /** The program, whose runs are logged with what they are for. @param {string} purpose @returns {Run} */
 function runFor(purpose) {
-    send({ type: "progressMade", text: `${purpose} …` });
-    return async (args, files) => {
-        const outcome = await stashkeep(args, files);
-        const { exitStatus, output } = outcome;
-        send({ type: "programRan", entry: { purpose, args, exitStatus, output: toText(output) } });
-        return outcome;
-    };
+  send({ type: "progressMade", text: `${purpose} …` });
+  return async (args, files) => {
+    const outcome = await stashkeep(args, files);
+    const { exitStatus, output } = outcome;
+    send({ type: "programRan", entry: { purpose, args, exitStatus, output: toText(output) } });
+    return outcome;
+  };
 }
 
 // Files
 
 /** @param {Promise<{files: Given[], leftOut: number}>} finding */
 async function give(finding) {
-    try {
-        const { files, leftOut } = await finding;
-        const facts = files.map((each) => {
-            const id = `file${++lastFileId}`;
-            given.set(id, each);
-            return { id, path: each.path, size: each.file.size, modified: each.file.lastModified };
-        });
-        send({ type: "filesGiven", given: facts, leftOut });
-    } catch (error) {
-        send({ type: "givingFailed", error: String(error) });
-    }
+  try {
+    const { files, leftOut } = await finding;
+    const facts = files.map((each) => {
+      const id = `file${++lastFileId}`;
+      given.set(id, each);
+      return { id, path: each.path, size: each.file.size, modified: each.file.lastModified };
+    });
+    send({ type: "filesGiven", given: facts, leftOut });
+  } catch (error) {
+    send({ type: "givingFailed", error: String(error) });
+  }
 }
 
 /** @param {HTMLInputElement} input */
 function giveInput(input) {
-    give(Promise.resolve(filesOfInput(input)));
-    input.value = ""; // so that the same file can be chosen again
+  give(Promise.resolve(filesOfInput(input)));
+  input.value = ""; // so that the same file can be chosen again
 }
 
 function giveExamples() {
-    give(exampleFiles());
+  give(exampleFiles());
 }
 
 /** @param {string} id */
 function bytesOf(id) {
-    const bytes = given.get(id)?.bytes;
-    if (!bytes) throw new Error("The contents of a file are missing. Add it again.");
-    return bytes;
+  const bytes = given.get(id)?.bytes;
+  if (!bytes) throw new Error("The contents of a file are missing. Add it again.");
+  return bytes;
 }
 
 /** Whether a file is on the disk as it was when it was added: an emulator may write into it when it ends. @param {string} id */
 async function isUnchanged(id) {
-    const known = given.get(id);
-    if (!known?.bytes) return true;
-    const now = await readBytes(known, 0);
-    return now.bytes !== undefined && isEqual(now.bytes, known.bytes);
+  const known = given.get(id);
+  if (!known?.bytes) return true;
+  const now = await readBytes(known, 0);
+  return now.bytes !== undefined && isEqual(now.bytes, known.bytes);
 }
 
 /** The ids of those that are no longer on the disk as they were. @param {FileFacts[]} files */
 async function findOutdated(files) {
-    const outdated = [];
-    for (const { id } of files) if (!(await isUnchanged(id))) outdated.push(id);
-    return outdated;
+  const outdated = [];
+  for (const { id } of files) if (!(await isUnchanged(id))) outdated.push(id);
+  return outdated;
 }
 
 /** Files with equal bytes have the same content. @param {string} id @param {Uint8Array} bytes */
 async function findContent(id, bytes) {
-    for (const other of given.values()) {
-        if (other.content && other.bytes && (await isEqual(bytes, other.bytes))) return other.content;
-    }
-    return id;
+  for (const other of given.values()) {
+    if (other.content && other.bytes && (await isEqual(bytes, other.bytes))) return other.content;
+  }
+  return id;
 }
 
 /** @param {string} path @param {Uint8Array} bytes @returns {Promise<Contents>} */
 async function examineSafely(path, bytes) {
-    const name = uniqueText(lastName(path), [dataFileName], (number) => `${number}-${dataFileName}`);
-    try {
-        return await examine(runFor(`Looking into ${path}`), name, bytes);
-    } catch (error) {
-        return { kind: "refused", reason: "failed", error: String(error) };
-    }
+  const name = uniqueText(lastName(path), [dataFileName], (number) => `${number}-${dataFileName}`);
+  try {
+    return await examine(runFor(`Looking into ${path}`), name, bytes);
+  } catch (error) {
+    return { kind: "refused", reason: "failed", error: String(error) };
+  }
 }
 
 /** @param {JobOf<"examine">} job */
 async function examineFiles(job) {
-    const files = [];
-    const outdated = [];
-    for (const file of job.given) {
-        const known = given.get(file.id);
-        if (!known) continue; // started over meanwhile
-        const sizeBefore = [...given.values()].reduce((sum, { bytes }) => sum + (bytes?.length ?? 0), 0);
-        const { bytes, reason = "unreadable" } = await readBytes(known, sizeBefore);
-        outdated.push(...(await findOutdated(state.files.filter(({ path }) => path === file.path))));
-        const contents = bytes
-            ? await examineSafely(file.path, bytes)
-            : { kind: /** @type {const} */ ("refused"), reason };
-        const content = bytes ? await findContent(file.id, bytes) : file.id;
-        if (contents.kind !== "refused") Object.assign(known, { bytes, content });
-        files.push({ ...file, content, contents });
-    }
-    send({ type: "filesExamined", job: job.id, files, outdated });
+  const files = [];
+  const outdated = [];
+  for (const file of job.given) {
+    const known = given.get(file.id);
+    if (!known) continue; // started over meanwhile
+    const sizeBefore = [...given.values()].reduce((sum, { bytes }) => sum + (bytes?.length ?? 0), 0);
+    const { bytes, reason = "unreadable" } = await readBytes(known, sizeBefore);
+    outdated.push(...(await findOutdated(state.files.filter(({ path }) => path === file.path))));
+    const contents = bytes ? await examineSafely(file.path, bytes) : { kind: /** @type {const} */ ("refused"), reason };
+    const content = bytes ? await findContent(file.id, bytes) : file.id;
+    if (contents.kind !== "refused") Object.assign(known, { bytes, content });
+    files.push({ ...file, content, contents });
+  }
+  send({ type: "filesExamined", job: job.id, files, outdated });
 }
 
 // Savegames
 
 /** A medium with its bytes. @param {Medium} medium @returns {Images} */
 function imagesOf({ command, kind, files }) {
-    const images = files.map(({ id, name }) => {
-        const bytes = bytesOf(id);
-        return kind === "pair"
-            ? { name, bytes: bytes.subarray(0, floppySize), tail: bytes.subarray(floppySize) }
-            : { name, bytes };
-    });
-    return { command, files: images };
+  const images = files.map(({ id, name }) => {
+    const bytes = bytesOf(id);
+    return kind === "pair"
+      ? { name, bytes: bytes.subarray(0, floppySize), tail: bytes.subarray(floppySize) }
+      : { name, bytes };
+  });
+  return { command, files: images };
 }
 
 /** @param {JobOf<"make">} job */
 async function make({ id, from, into, names }) {
-    const run = runFor("Making the new files, and comparing them");
-    try {
-        const images = [imagesOf(from), ...(into ? [imagesOf(into)] : [])];
-        const outdated = await findOutdated([...from.files, ...(into?.files ?? [])]);
-        if (outdated.length > 0) return send({ type: "makingFailed", job: id, outdated });
-        const files = into ? await transfer(run, images[0], images[1], names) : await takeOut(run, images[0], names);
-        made = files.map(({ bytes }) => bytes);
-        const facts = files.map(({ bytes, ...file }) => ({ ...file, size: bytes.length }));
-        send({ type: "filesMade", job: id, files: facts });
-    } catch (error) {
-        send({
-            type: "makingFailed",
-            job: id,
-            error: error instanceof Error ? error.message : String(error),
-            outdated: [],
-        });
-    }
+  const run = runFor("Making the new files, and comparing them");
+  try {
+    const images = [imagesOf(from), ...(into ? [imagesOf(into)] : [])];
+    const outdated = await findOutdated([...from.files, ...(into?.files ?? [])]);
+    if (outdated.length > 0) return send({ type: "makingFailed", job: id, outdated });
+    const files = into ? await transfer(run, images[0], images[1], names) : await takeOut(run, images[0], names);
+    made = files.map(({ bytes }) => bytes);
+    const facts = files.map(({ bytes, ...file }) => ({ ...file, size: bytes.length }));
+    send({ type: "filesMade", job: id, files: facts });
+  } catch (error) {
+    send({
+      type: "makingFailed",
+      job: id,
+      error: error instanceof Error ? error.message : String(error),
+      outdated: [],
+    });
+  }
 }
 
 /** @param {JobOf<"readFlags">} job */
 async function readFlagsOf({ id: job, key, medium, main, included }) {
-    const run = runFor("Reading the flags");
-    const bytesOrNone = (/** @type {FileFacts} */ { id }) => given.get(id)?.bytes ?? new Uint8Array();
-    const files = Object.fromEntries([
-        ...included.map((file) => [includedPath(file.path), bytesOrNone(file)]).reverse(), // so that the first of a name counts
-        ...main.map((file) => [file.name, bytesOf(file.id)]),
-    ]);
-    const data = await extract(run, imagesOf(medium));
-    send({
-        type: "flagsRead",
-        job,
-        key,
-        ...(await readFlags(
-            run,
-            data,
-            main.map(({ name }) => name),
-            files,
-        )),
-    });
+  const run = runFor("Reading the flags");
+  const bytesOrNone = (/** @type {FileFacts} */ { id }) => given.get(id)?.bytes ?? new Uint8Array();
+  const files = Object.fromEntries([
+    ...included.map((file) => [includedPath(file.path), bytesOrNone(file)]).reverse(), // so that the first of a name counts
+    ...main.map((file) => [file.name, bytesOf(file.id)]),
+  ]);
+  const data = await extract(run, imagesOf(medium));
+  send({
+    type: "flagsRead",
+    job,
+    key,
+    ...(await readFlags(
+      run,
+      data,
+      main.map(({ name }) => name),
+      files,
+    )),
+  });
 }
 
 /** Has the browser save bytes under a name. @param {Uint8Array} bytes @param {string} name */
 function download(bytes, name) {
-    const url = URL.createObjectURL(new Blob([/** @type {Uint8Array<ArrayBuffer>} */ (bytes)]));
-    const link = document.createElement("a");
-    // eslint-disable-next-line no-restricted-syntax -- a link to the page's own bytes, which the browser saves
-    link.href = url;
-    link.download = name;
-    link.click();
-    setTimeout(() => URL.revokeObjectURL(url), 60_000);
+  const url = URL.createObjectURL(new Blob([/** @type {Uint8Array<ArrayBuffer>} */ (bytes)]));
+  const link = document.createElement("a");
+  // eslint-disable-next-line no-restricted-syntax -- a link to the page's own bytes, which the browser saves
+  link.href = url;
+  link.download = name;
+  link.click();
+  setTimeout(() => URL.revokeObjectURL(url), 60_000);
 }
 
 /** @param {number} index */
 function save(index) {
-    const { result } = state;
-    if (!result) return;
-    download(made[index], result.files[index].name);
-    send({ type: "fileSaved", result: result.id, index });
+  const { result } = state;
+  if (!result) return;
+  download(made[index], result.files[index].name);
+  send({ type: "fileSaved", result: result.id, index });
 }
 
 /** Saves the files one after the other: browsers leave out some that are saved at the same time. */
 async function saveAll() {
-    const { result } = state;
-    for (const index of result?.files.keys() ?? []) {
-        if (state.result?.id !== result?.id) return;
-        save(index);
-        await new Promise((resolve) => setTimeout(resolve, 300));
-    }
+  const { result } = state;
+  for (const index of result?.files.keys() ?? []) {
+    if (state.result?.id !== result?.id) return;
+    save(index);
+    await new Promise((resolve) => setTimeout(resolve, 300));
+  }
 }
 
 function start() {
-    document.getElementById("needs")?.remove();
-    const classes = document.body.classList;
-    addEventListener("dragover", (event) => {
-        event.preventDefault();
-        classes.add("dragging");
-    });
-    addEventListener("dragleave", ({ relatedTarget }) => {
-        if (!relatedTarget) classes.remove("dragging");
-    });
-    addEventListener("drop", (event) => {
-        event.preventDefault();
-        classes.remove("dragging");
-        if (event.dataTransfer?.types.includes("Files")) give(filesOfDrop(event.dataTransfer));
-    });
-    addEventListener("beforeunload", (event) => {
-        if (!state.result?.files.some(({ isSaved }) => !isSaved)) return;
-        event.preventDefault(); // the browser asks
-        event.returnValue = true; // older browsers ask only then
-    });
-    show();
+  document.getElementById("needs")?.remove();
+  const classes = document.body.classList;
+  addEventListener("dragover", (event) => {
+    event.preventDefault();
+    classes.add("dragging");
+  });
+  addEventListener("dragleave", ({ relatedTarget }) => {
+    if (!relatedTarget) classes.remove("dragging");
+  });
+  addEventListener("drop", (event) => {
+    event.preventDefault();
+    classes.remove("dragging");
+    if (event.dataTransfer?.types.includes("Files")) give(filesOfDrop(event.dataTransfer));
+  });
+  addEventListener("beforeunload", (event) => {
+    if (!state.result?.files.some(({ isSaved }) => !isSaved)) return;
+    event.preventDefault(); // the browser asks
+    event.returnValue = true; // older browsers ask only then
+  });
+  show();
 }
 
 Object.assign(globalThis, { stashkeep });

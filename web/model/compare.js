@@ -95,12 +95,10 @@ export function findSameSavegame(medium, media) {
  */
 export function findRemarks(savegame) {
   if (savegame.some(({ state }) => state === "none")) return [];
-  const names = [
-    ["money", "money"],
-    ["lives", "lives"],
-    ["savegameid", "number of the savegame"],
-  ];
-  return names
-    .map(([name, title]) => ({ title, values: savegame.map(({ fields }) => fields.get(name) ?? "") }))
+  return ["money", "lives", "savegameid"]
+    .map((name) => ({
+      title: valueNames.get(name)?.toLowerCase() ?? name,
+      values: savegame.map(({ fields }) => fields.get(name) ?? ""),
+    }))
     .filter(isDifferent);
 }

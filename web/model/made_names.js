@@ -46,13 +46,13 @@ function formatTime(time) {
 function originOf({ files }) {
   const [{ name, modified }] = files;
   const { stem } = splitExtension(name);
-  const backup = /^savegame of (.*, \d{4}-\d\d-\d\d \d\d\.\d\d)/s.exec(stem)?.[1];
+  const backup = /^backup of (.*, \d{4}-\d\d-\d\d \d\d\.\d\d)/s.exec(stem)?.[1];
   return toPart(backup ?? `${withoutAdditions(stem)}, ${formatTime(modified)}`);
 }
 
 /** The name of a data file with the savegame of a medium. @param {Medium} medium */
 export function nameOfBackup(medium) {
-  return `savegame of ${originOf(medium)}.dat`;
+  return `backup of ${originOf(medium)}.dat`;
 }
 
 /**

@@ -9,6 +9,7 @@ export const valueNames = new Map([
   ["maxLives", "Lives at most"],
   ["inventoryCount", "Items in the inventory"],
   ["savepointId", "Save point"],
+  ["savegameid", "Number of the savegame"],
 ]);
 
 const namesOfState = ["validsavegame", "checkSumPage0", "checkSumPage1"]; // what they say is shown as the state

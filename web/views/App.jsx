@@ -26,122 +26,114 @@ import { Report } from "./Report.jsx";
 
 /** @param {{hasFiles: boolean, effects: Effects}} props */
 function DropZone({ hasFiles, effects }) {
-    /** @param {{currentTarget: HTMLInputElement}} event */
-    const give = ({ currentTarget }) => effects.giveInput(currentTarget);
-    const canChooseFolders = "webkitdirectory" in document.createElement("input");
-    return (
-        <div class="drop">
-            {hasFiles ? (
-                <p>Drop more files anywhere here, or choose them.</p>
-            ) : (
-                <>
-                    <p>
-                        <strong>Close the emulator. Then drop your files anywhere here, all at once:</strong> those with
-                        your savegame, and those that it shall go into.
-                    </p>
-                    <ul>
-                        <li>floppy discs: the .d64 files of disc 2 and disc 3 of the game</li>
-                        <li>
-                            memory expansions: the file in which the emulator keeps a REU, GeoRAM or NeoRAM, or a .ybn
-                            or .fbn file
-                        </li>
-                        <li>backups of a savegame: .dat files that this page or the program has made</li>
-                    </ul>
-                </>
-            )}
-            <p class="buttons">
-                <label class="button">
-                    Choose files
-                    <input type="file" multiple onChange={give} />
-                </label>
-                {canChooseFolders && (
-                    <label class="button">
-                        Choose a folder
-                        <input type="file" {...{ webkitdirectory: true }} onChange={give} />
-                    </label>
-                )}
-                {!hasFiles && (
-                    <button type="button" onClick={effects.giveExamples}>
-                        Try it with examples
-                    </button>
-                )}
-            </p>
-        </div>
-    );
+  /** @param {{currentTarget: HTMLInputElement}} event */
+  const give = ({ currentTarget }) => effects.giveInput(currentTarget);
+  const canChooseFolders = "webkitdirectory" in document.createElement("input");
+  return (
+    <div class="drop">
+      {hasFiles ? (
+        <p>Drop more files anywhere here, or choose them.</p>
+      ) : (
+        <>
+          <p>
+            <strong>Close the emulator. Then drop your files anywhere here, all at once:</strong> those with your
+            savegame, and those that it shall go into.
+          </p>
+          <ul>
+            <li>floppy discs: the .d64 files of disc 2 and disc 3 of the game</li>
+            <li>
+              memory expansions: the file in which the emulator keeps a REU, GeoRAM or NeoRAM, or a .ybn or .fbn file
+            </li>
+            <li>backups of a savegame: .dat files that this page or the program has made</li>
+          </ul>
+        </>
+      )}
+      <p class="buttons">
+        <label class="button">
+          Choose files
+          <input type="file" multiple onChange={give} />
+        </label>
+        {canChooseFolders && (
+          <label class="button">
+            Choose a folder
+            <input type="file" {...{ webkitdirectory: true }} onChange={give} />
+          </label>
+        )}
+        {!hasFiles && (
+          <button type="button" onClick={effects.giveExamples}>
+            Try it with examples
+          </button>
+        )}
+      </p>
+    </div>
+  );
 }
 
 /** @param {{log: LogEntry[]}} props */
 function LogSection({ log }) {
-    const [isOpen, setOpen] = useState(false);
-    return (
-        <section aria-labelledby="log-heading">
-            <h2 id="log-heading">For experts</h2>
-            <details onToggle={(event) => setOpen(event.currentTarget.open)}>
-                <summary>Every command that was run, and exactly what the program printed</summary>
-                <p>
-                    The commands are those of the command-line program stashkeep. Each one ran in a folder of its own,
-                    in this computer’s memory, on copies of your files.
-                </p>
-                <Log log={log} isOpen={isOpen} />
-            </details>
-        </section>
-    );
+  const [isOpen, setOpen] = useState(false);
+  return (
+    <section aria-labelledby="log-heading">
+      <h2 id="log-heading">For experts</h2>
+      <details onToggle={(event) => setOpen(event.currentTarget.open)}>
+        <summary>Every command that was run, and exactly what the program printed</summary>
+        <p>
+          The commands are those of the command-line program stashkeep. Each one ran in a folder of its own, in this
+          computer’s memory, on copies of your files.
+        </p>
+        <Log log={log} isOpen={isOpen} />
+      </details>
+    </section>
+  );
 }
 
 /** @param {{state: State, send: Send, effects: Effects}} props */
 export function App({ state, send, effects }) {
-    const { files, pairs, sources, choices, gone, jobs, notices, doubles, result, flagReports, search, log } = state;
-    const titles = useMemo(() => shortenTitles(files.map(({ title }) => title)), [files]);
-    const hasMedia = findMedia(state).length > 0;
-    return (
-        <>
-            <section aria-labelledby="files-heading" aria-busy={jobs.length > 0}>
-                <h2 id="files-heading" tabIndex={-1}>
-                    1. Your files
-                </h2>
-                <DropZone hasFiles={files.length > 0} effects={effects} />
-                <Part on={[notices, doubles, gone]}>
-                    <Notices state={state} send={send} />
-                </Part>
-                <Part on={[files, pairs, sources]}>
-                    <Files state={state} titles={titles} send={send} />
-                </Part>
-            </section>
-            {hasMedia && (
-                <section aria-labelledby="move-heading">
-                    <h2 id="move-heading" tabIndex={-1}>
-                        2. Move a savegame
-                    </h2>
-                    <Part on={[files, pairs, choices, gone, notices, jobs]}>
-                        <Move state={state} titles={titles} send={send} />
-                    </Part>
-                    <Part on={[result]}>
-                        {result && (
-                            <MadeResult
-                                key={result.id}
-                                result={result}
-                                onSave={effects.save}
-                                onSaveAll={effects.saveAll}
-                            />
-                        )}
-                    </Part>
-                </section>
-            )}
-            {hasMedia && (
-                <section aria-labelledby="look-heading">
-                    <h2 id="look-heading" tabIndex={-1}>
-                        3. Look and compare
-                    </h2>
-                    <Part on={[files, pairs, sources, choices.shown, choices.compared, gone, flagReports, search]}>
-                        <Report state={state} titles={titles} send={send} />
-                    </Part>
-                </section>
-            )}
-            {log.length > 0 && (
-                <Part on={[log]}>
-                    <LogSection log={log} />
-                </Part>
-            )}
-        </>
-    );
+  const { files, pairs, sources, choices, gone, jobs, notices, doubles, result, flagReports, search, log } = state;
+  const titles = useMemo(() => shortenTitles(files.map(({ title }) => title)), [files]);
+  const hasMedia = findMedia(state).length > 0;
+  return (
+    <>
+      <section aria-labelledby="files-heading" aria-busy={jobs.length > 0}>
+        <h2 id="files-heading" tabIndex={-1}>
+          1. Your files
+        </h2>
+        <DropZone hasFiles={files.length > 0} effects={effects} />
+        <Part on={[notices, doubles, gone]}>
+          <Notices state={state} send={send} />
+        </Part>
+        <Part on={[files, pairs, sources]}>
+          <Files state={state} titles={titles} send={send} />
+        </Part>
+      </section>
+      {hasMedia && (
+        <section aria-labelledby="move-heading">
+          <h2 id="move-heading" tabIndex={-1}>
+            2. Move a savegame
+          </h2>
+          <Part on={[files, pairs, choices, gone, notices, jobs]}>
+            <Move state={state} titles={titles} send={send} />
+          </Part>
+          <Part on={[result]}>
+            {result && <MadeResult key={result.id} result={result} onSave={effects.save} onSaveAll={effects.saveAll} />}
+          </Part>
+        </section>
+      )}
+      {hasMedia && (
+        <section aria-labelledby="look-heading">
+          <h2 id="look-heading" tabIndex={-1}>
+            3. Look and compare
+          </h2>
+          <Part on={[files, pairs, sources, choices.shown, choices.compared, gone, flagReports, search]}>
+            <Report state={state} titles={titles} send={send} />
+          </Part>
+        </section>
+      )}
+      {log.length > 0 && (
+        <Part on={[log]}>
+          <LogSection log={log} />
+        </Part>
+      )}
+    </>
+  );
 }

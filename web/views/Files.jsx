@@ -15,23 +15,23 @@ import { Remarks, Summary } from "./savegames.jsx";
 
 /** Why a file cannot be used, and what to do. @param {FileFacts} file */
 function describeProblem({ size, contents }) {
-    if (contents.kind !== "refused") return "";
-    const texts = {
-        tracks35:
-            "A floppy disc of 35 tracks. The game uses discs of 40 tracks, so its savegame cannot be here: use the original " +
-            "file, which has 196,608 bytes.",
-        noPlace:
-            "This seems to be a memory expansion, but it has no place for a savegame. Start the game once with it, let the " +
-            "emulator save the expansion, close the emulator, and add the file again.",
-        empty: "This file is empty: it has 0 bytes. Copy or download it again.",
-        oddFloppy: `It has ${formatSize(size)}, which is no size of a floppy disc. It may be cut off: copy or download it again.`,
-        unknown: `It has ${formatSize(size)}, and is neither a floppy disc, a memory expansion, a backup nor a source of the game.`,
-        tooLarge: `It is too large: it has ${formatSize(size)}; at most 256 MiB can be read.`,
-        noRoom: "There is no room for it: all files together can have 512 MiB. Remove others first.",
-        unreadable: "It cannot be read. If it is a folder, choose it with the button “Choose a folder”.",
-        failed: `The program could not look into it. ${contents.error}`,
-    };
-    return texts[/** @type {keyof typeof texts} */ (contents.reason)];
+  if (contents.kind !== "refused") return "";
+  const texts = {
+    tracks35:
+      "A floppy disc of 35 tracks. The game uses discs of 40 tracks, so its savegame cannot be here: use the original " +
+      "file, which has 196,608 bytes.",
+    noPlace:
+      "This seems to be a memory expansion, but it has no place for a savegame. Start the game once with it, let the " +
+      "emulator save the expansion, close the emulator, and add the file again.",
+    empty: "This file is empty: it has 0 bytes. Copy or download it again.",
+    oddFloppy: `It has ${formatSize(size)}, which is no size of a floppy disc. It may be cut off: copy or download it again.`,
+    unknown: `It has ${formatSize(size)}, and is neither a floppy disc, a memory expansion, a backup nor a source of the game.`,
+    tooLarge: `It is too large: it has ${formatSize(size)}; at most 256 MiB can be read.`,
+    noRoom: "There is no room for it: all files together can have 512 MiB. Remove others first.",
+    unreadable: "It cannot be read. If it is a folder, choose it with the button “Choose a folder”.",
+    failed: `The program could not look into it. ${contents.error}`,
+  };
+  return texts[/** @type {keyof typeof texts} */ (contents.reason)];
 }
 
 /**
@@ -41,32 +41,32 @@ function describeProblem({ size, contents }) {
  * @param {() => void} change
  */
 function changeAndFocusNext(button, change) {
-    const all = [.../** @type {NodeListOf<HTMLElement>} */ (document.querySelectorAll("#files-heading, .file"))];
-    const visible = all.filter((element) => element.offsetParent !== null);
-    const at = visible.indexOf(/** @type {HTMLElement} */ (button.closest(".file")));
-    change();
-    const next = [...visible.slice(at + 1), ...visible.slice(0, at).reverse()].find((element) => element.isConnected);
-    next?.focus();
+  const all = [.../** @type {NodeListOf<HTMLElement>} */ (document.querySelectorAll("#files-heading, .file"))];
+  const visible = all.filter((element) => element.offsetParent !== null);
+  const at = visible.indexOf(/** @type {HTMLElement} */ (button.closest(".file")));
+  change();
+  const next = [...visible.slice(at + 1), ...visible.slice(0, at).reverse()].find((element) => element.isConnected);
+  next?.focus();
 }
 
 /** Removes files. @param {{files: FileFacts[], send: Send}} props */
 function RemoveButton({ files, send }) {
-    const name = `Remove ${files.map(({ title }) => title).join(" and ")}`;
-    const remove = (/** @type {{currentTarget: HTMLElement}} */ { currentTarget }) =>
-        changeAndFocusNext(currentTarget, () => files.forEach(({ id }) => send({ type: "fileRemoved", id })));
-    return (
-        <button type="button" class="quiet" aria-label={name} onClick={remove}>
-            Remove
-        </button>
-    );
+  const name = `Remove ${files.map(({ title }) => title).join(" and ")}`;
+  const remove = (/** @type {{currentTarget: HTMLElement}} */ { currentTarget }) =>
+    changeAndFocusNext(currentTarget, () => files.forEach(({ id }) => send({ type: "fileRemoved", id })));
+  return (
+    <button type="button" class="quiet" aria-label={name} onClick={remove}>
+      Remove
+    </button>
+  );
 }
 
 /** @type {Record<Place["grounds"], string>} */
 const groundsInWords = {
-    names: "a guess from the names",
-    order: "a guess from the order of the names only",
-    chosen: "as you have chosen",
-    anew: "in place of the file that had changed",
+  names: "a guess from the names",
+  order: "a guess from the order of the names only",
+  chosen: "as you have chosen",
+  anew: "in place of the file that had changed",
 };
 
 /**
@@ -75,294 +75,288 @@ const groundsInWords = {
  * @param {Common & {pair: Pair, disc: DiscNumber}} props
  */
 function DiscPlace({ state, titles, pair, disc, send }) {
-    const floppies = state.files.filter(({ contents }) => contents.kind === "floppy");
-    const file = floppies.find(({ id }) => id === pair[disc]?.file);
-    const options = [["", "– none –"], ...floppies.map(({ id, title }) => [id, titles.get(title) ?? title])];
-    const position = state.pairs.length > 1 ? ` of pair ${state.pairs.indexOf(pair) + 1}` : "";
-    /** @param {string} id */
-    function choose(id) {
-        if (id !== "") send({ type: "discChosen", file: id, pair: pair.id, disc });
-        else if (file) send({ type: "discTakenOut", file: file.id });
-    }
-    return (
-        <div class="place">
-            <Choice
-                label={`Disc ${disc}`}
-                name={`Disc ${disc}${position}`}
-                options={options}
-                value={file?.id ?? ""}
-                onChoose={choose}
-            />
-            {file && <RemoveButton files={[file]} send={send} />}
-        </div>
-    );
+  const floppies = state.files.filter(({ contents }) => contents.kind === "floppy");
+  const file = floppies.find(({ id }) => id === pair[disc]?.file);
+  const options = [["", "– none –"], ...floppies.map(({ id, title }) => [id, titles.get(title) ?? title])];
+  const position = state.pairs.length > 1 ? ` of pair ${state.pairs.indexOf(pair) + 1}` : "";
+  /** @param {string} id */
+  function choose(id) {
+    if (id !== "") send({ type: "discChosen", file: id, pair: pair.id, disc });
+    else if (file) send({ type: "discTakenOut", file: file.id });
+  }
+  return (
+    <div class="place">
+      <Choice
+        label={`Disc ${disc}`}
+        name={`Disc ${disc}${position}`}
+        options={options}
+        value={file?.id ?? ""}
+        onChoose={choose}
+      />
+      {file && <RemoveButton files={[file]} send={send} />}
+    </div>
+  );
 }
 
 /** Which disc is which, and on what grounds. @param {Common & {pair: Pair, disc: DiscNumber}} props */
 function DiscLine({ state, titles, pair, disc }) {
-    const place = pair[disc];
-    const file = state.files.find(({ id }) => id === place?.file);
-    if (!file || !place) return <li class="remark">Disc {disc} is missing: please add it, or choose it below.</li>;
-    return (
-        <li>
-            Disc {disc}: <Short titles={titles} title={file.title} />{" "}
-            <span class="kind">({groundsInWords[place.grounds]})</span>
-        </li>
-    );
+  const place = pair[disc];
+  const file = state.files.find(({ id }) => id === place?.file);
+  if (!file || !place) return <li class="remark">Disc {disc} is missing: please add it, or choose it below.</li>;
+  return (
+    <li>
+      Disc {disc}: <Short titles={titles} title={file.title} />{" "}
+      <span class="kind">({groundsInWords[place.grounds]})</span>
+    </li>
+  );
 }
 
 /** @param {{file: FileFacts}} props */
 function Outdated({ file }) {
-    if (!file.isOutdated) return undefined;
-    return <p class="warning">{file.title} has changed on the disk since you added it: please add it again.</p>;
+  if (!file.isOutdated) return undefined;
+  return <p class="warning">{file.title} has changed on the disk since you added it: please add it again.</p>;
 }
 
 /** @param {Common & {medium: Medium}} props */
 function Contents({ state, titles, medium, send }) {
-    const same = hasSavegame(medium.savegame) && findSameSavegame(medium, findMedia(state));
-    /** @param {string} id */
-    function look(id) {
-        send({ type: "shownChosen", medium: id });
-        goTo("look-heading");
-    }
-    return (
-        <>
-            <Summary discs={medium.savegame} />
-            <Remarks savegame={medium.savegame} />
-            {same && (
-                <p class="kind">
-                    The same savegame as in {joinWords(same.files.map(({ title }) => titles.get(title) ?? title))}: all
-                    1,024 bytes are equal.
-                </p>
-            )}
-            {hasSavegame(medium.savegame) && (
-                <button type="button" class="quiet" onClick={() => look(medium.id)}>
-                    Look inside
-                </button>
-            )}
-        </>
-    );
+  const same = hasSavegame(medium.savegame) && findSameSavegame(medium, findMedia(state));
+  /** @param {string} id */
+  function look(id) {
+    send({ type: "shownChosen", medium: id });
+    goTo("look-heading");
+  }
+  return (
+    <>
+      <Summary discs={medium.savegame} />
+      <Remarks savegame={medium.savegame} />
+      {same && (
+        <p class="kind">
+          The same savegame as in {joinWords(same.files.map(({ title }) => titles.get(title) ?? title))}: all 1,024
+          bytes are equal.
+        </p>
+      )}
+      {hasSavegame(medium.savegame) && (
+        <button type="button" class="quiet" onClick={() => look(medium.id)}>
+          Look inside
+        </button>
+      )}
+    </>
+  );
 }
 
 /** @param {Common & {pair: Pair}} props */
 function PairCard({ state, titles, pair, send }) {
-    const medium = mediumOfPair(state.files, pair);
-    const files = state.files.filter(({ id }) => discNumbers.some((disc) => pair[disc]?.file === id));
-    const position = state.pairs.length > 1 ? `, pair ${state.pairs.indexOf(pair) + 1}` : "";
-    const discs = files.flatMap(({ contents }) => (contents.kind === "floppy" ? contents.disc : []));
-    return (
-        <li class="card file" tabIndex={-1}>
-            <div class="file-head">
-                <h3>Two floppy discs{position}</h3>
-                <RemoveButton files={files} send={send} />
-            </div>
-            <ul class="discs">
-                {discNumbers.map((disc) => (
-                    <DiscLine key={disc} state={state} titles={titles} pair={pair} disc={disc} send={send} />
-                ))}
-            </ul>
-            {files.map((file) => (
-                <Outdated key={file.id} file={file} />
-            ))}
-            {medium ? (
-                <Contents state={state} titles={titles} medium={medium} send={send} />
-            ) : (
-                <Summary discs={discs} />
-            )}
-            {medium?.isSame && (
-                <p class="warning">
-                    Both discs have the same contents: one of them is the wrong file. Nothing can be moved.
-                </p>
-            )}
-            <details open={!medium}>
-                <summary>Change or swap the discs{position && ` of${position.slice(1)}`}</summary>
-                <p class="kind">The files themselves do not say which disc they are.</p>
-                {discNumbers.map((disc) => (
-                    <DiscPlace key={disc} state={state} titles={titles} pair={pair} disc={disc} send={send} />
-                ))}
-                {medium && (
-                    <button type="button" onClick={() => send({ type: "discsExchanged", pair: pair.id })}>
-                        Swap disc 2 and disc 3
-                    </button>
-                )}
-            </details>
-        </li>
-    );
+  const medium = mediumOfPair(state.files, pair);
+  const files = state.files.filter(({ id }) => discNumbers.some((disc) => pair[disc]?.file === id));
+  const position = state.pairs.length > 1 ? `, pair ${state.pairs.indexOf(pair) + 1}` : "";
+  const discs = files.flatMap(({ contents }) => (contents.kind === "floppy" ? contents.disc : []));
+  return (
+    <li class="card file" tabIndex={-1}>
+      <div class="file-head">
+        <h3>Two floppy discs{position}</h3>
+        <RemoveButton files={files} send={send} />
+      </div>
+      <ul class="discs">
+        {discNumbers.map((disc) => (
+          <DiscLine key={disc} state={state} titles={titles} pair={pair} disc={disc} send={send} />
+        ))}
+      </ul>
+      {files.map((file) => (
+        <Outdated key={file.id} file={file} />
+      ))}
+      {medium ? <Contents state={state} titles={titles} medium={medium} send={send} /> : <Summary discs={discs} />}
+      {medium?.isSame && (
+        <p class="warning">Both discs have the same contents: one of them is the wrong file. Nothing can be moved.</p>
+      )}
+      <details open={!medium}>
+        <summary>Change or swap the discs{position && ` of${position.slice(1)}`}</summary>
+        <p class="kind">The files themselves do not say which disc they are.</p>
+        {discNumbers.map((disc) => (
+          <DiscPlace key={disc} state={state} titles={titles} pair={pair} disc={disc} send={send} />
+        ))}
+        {medium && (
+          <button type="button" onClick={() => send({ type: "discsExchanged", pair: pair.id })}>
+            Swap disc 2 and disc 3
+          </button>
+        )}
+      </details>
+    </li>
+  );
 }
 
 /** @param {Common & {file: FileFacts}} props */
 function MediumCard({ state, titles, file, send }) {
-    const medium = mediumOfFile(file);
-    const kind = file.contents.kind === "data" ? "Backup of a savegame" : "Memory expansion";
-    return (
-        <li class="card file" tabIndex={-1}>
-            <div class="file-head">
-                <h3>
-                    <Short titles={titles} title={file.title} />
-                </h3>
-                <RemoveButton files={[file]} send={send} />
-            </div>
-            <p class="kind">
-                {kind}, {formatSize(file.size)}
-            </p>
-            <Outdated file={file} />
-            {medium && <Contents state={state} titles={titles} medium={medium} send={send} />}
-        </li>
-    );
+  const medium = mediumOfFile(file);
+  const kind = file.contents.kind === "data" ? "Backup of a savegame" : "Memory expansion";
+  return (
+    <li class="card file" tabIndex={-1}>
+      <div class="file-head">
+        <h3>
+          <Short titles={titles} title={file.title} />
+        </h3>
+        <RemoveButton files={[file]} send={send} />
+      </div>
+      <p class="kind">
+        {kind}, {formatSize(file.size)}
+      </p>
+      <Outdated file={file} />
+      {medium && <Contents state={state} titles={titles} medium={medium} send={send} />}
+    </li>
+  );
 }
 
 /** A floppy disc that is in no pair. @param {Common & {file: FileFacts}} props */
 function FreeFloppy({ titles, file, send }) {
-    const choose = (/** @type {HTMLElement} */ button, /** @type {DiscNumber} */ disc) =>
-        changeAndFocusNext(button, () => send({ type: "discChosen", file: file.id, disc }));
-    return (
-        <li class="card file" tabIndex={-1}>
-            <div class="file-head">
-                <h3>
-                    <Short titles={titles} title={file.title} />
-                </h3>
-                <RemoveButton files={[file]} send={send} />
-            </div>
-            <Outdated file={file} />
-            {file.contents.kind === "floppy" && <Summary discs={[file.contents.disc]} />}
-            <p class="buttons">
-                {discNumbers.map((disc) => (
-                    <button
-                        key={disc}
-                        type="button"
-                        aria-label={`${file.title} is disc ${disc}`}
-                        onClick={({ currentTarget }) => choose(currentTarget, disc)}
-                    >
-                        It is disc {disc}
-                    </button>
-                ))}
-            </p>
-        </li>
-    );
+  const choose = (/** @type {HTMLElement} */ button, /** @type {DiscNumber} */ disc) =>
+    changeAndFocusNext(button, () => send({ type: "discChosen", file: file.id, disc }));
+  return (
+    <li class="card file" tabIndex={-1}>
+      <div class="file-head">
+        <h3>
+          <Short titles={titles} title={file.title} />
+        </h3>
+        <RemoveButton files={[file]} send={send} />
+      </div>
+      <Outdated file={file} />
+      {file.contents.kind === "floppy" && <Summary discs={[file.contents.disc]} />}
+      <p class="buttons">
+        {discNumbers.map((disc) => (
+          <button
+            key={disc}
+            type="button"
+            aria-label={`${file.title} is disc ${disc}`}
+            onClick={({ currentTarget }) => choose(currentTarget, disc)}
+          >
+            It is disc {disc}
+          </button>
+        ))}
+      </p>
+    </li>
+  );
 }
 
 /** @param {Common & {files: FileFacts[]}} props */
 function FreeFloppies({ files, ...common }) {
-    if (files.length === 0) return undefined;
-    const hasPair = common.state.pairs.some((pair) => pair[2] && pair[3]);
-    return (
-        <details open={!hasPair}>
-            <summary>{countOf(files.length, "floppy disc", "floppy discs")} in no pair</summary>
-            <p class={hasPair ? "kind" : "warning"}>
-                {hasPair
-                    ? "Not used. If one of them belongs to a pair, choose it there, or say which disc it is."
-                    : "The savegame is on disc 2 and disc 3 of the game: add the file of the other disc, or say which disc each one is."}
-            </p>
-            <ul class="cards">
-                {files.map((file) => (
-                    <FreeFloppy key={file.id} file={file} {...common} />
-                ))}
-            </ul>
-        </details>
-    );
+  if (files.length === 0) return undefined;
+  const hasPair = common.state.pairs.some((pair) => pair[2] && pair[3]);
+  return (
+    <details open={!hasPair}>
+      <summary>{countOf(files.length, "floppy disc", "floppy discs")} in no pair</summary>
+      <p class={hasPair ? "kind" : "warning"}>
+        {hasPair
+          ? "Not used. If one of them belongs to a pair, choose it there, or say which disc it is."
+          : "The savegame is on disc 2 and disc 3 of the game: add the file of the other disc, or say which disc each one is."}
+      </p>
+      <ul class="cards">
+        {files.map((file) => (
+          <FreeFloppy key={file.id} file={file} {...common} />
+        ))}
+      </ul>
+    </details>
+  );
 }
 
 /** @param {Common & {files: FileFacts[]}} props */
 function Sources({ state, titles, files, send }) {
-    if (files.length === 0) return undefined;
-    const options = [...sourceRoles.map((name) => [name, name]), ["", "another file, in generated/"]];
-    const roleOf = (/** @type {FileFacts} */ { id }) => sourceRoles.find((role) => state.sources[role] === id) ?? "";
-    const choose = (/** @type {string} */ id, /** @type {string} */ role) =>
-        send({ type: "roleChosen", file: id, role: /** @type {SourceRole} */ (role) || undefined });
-    return (
-        <details>
-            <summary>{countOf(files.length, "text", "texts")}: sources of the game, or others</summary>
-            <ul class="cards">
-                {files.map((file) => (
-                    <li key={file.id} class="line file" tabIndex={-1}>
-                        <Short titles={titles} title={file.title} />
-                        <Choice
-                            label="is the game’s"
-                            name={`${file.title} is the game’s`}
-                            options={options}
-                            value={roleOf(file)}
-                            onChoose={(role) => choose(file.id, role)}
-                        />
-                        <RemoveButton files={[file]} send={send} />
-                    </li>
-                ))}
-            </ul>
-        </details>
-    );
+  if (files.length === 0) return undefined;
+  const options = [...sourceRoles.map((name) => [name, name]), ["", "another file, in generated/"]];
+  const roleOf = (/** @type {FileFacts} */ { id }) => sourceRoles.find((role) => state.sources[role] === id) ?? "";
+  const choose = (/** @type {string} */ id, /** @type {string} */ role) =>
+    send({ type: "roleChosen", file: id, role: /** @type {SourceRole} */ (role) || undefined });
+  return (
+    <details>
+      <summary>{countOf(files.length, "text", "texts")}: sources of the game, or others</summary>
+      <ul class="cards">
+        {files.map((file) => (
+          <li key={file.id} class="line file" tabIndex={-1}>
+            <Short titles={titles} title={file.title} />
+            <Choice
+              label="is the game’s"
+              name={`${file.title} is the game’s`}
+              options={options}
+              value={roleOf(file)}
+              onChoose={(role) => choose(file.id, role)}
+            />
+            <RemoveButton files={[file]} send={send} />
+          </li>
+        ))}
+      </ul>
+    </details>
+  );
 }
 
 /** @param {{titles: Map<string, string>, files: FileFacts[], isOpen: boolean, send: Send}} props */
 function RefusedFiles({ titles, files, isOpen, send }) {
-    if (files.length === 0) return undefined;
-    return (
-        <details open={isOpen}>
-            <summary>{countOf(files.length, "file", "files")} that cannot be used</summary>
-            <ul class="cards">
-                {files.map((file) => (
-                    <li key={file.id} class="line file" tabIndex={-1}>
-                        <p>
-                            <strong>
-                                <Short titles={titles} title={file.title} />
-                            </strong>
-                            : {describeProblem(file)}
-                        </p>
-                        <RemoveButton files={[file]} send={send} />
-                    </li>
-                ))}
-            </ul>
-        </details>
-    );
+  if (files.length === 0) return undefined;
+  return (
+    <details open={isOpen}>
+      <summary>{countOf(files.length, "file", "files")} that cannot be used</summary>
+      <ul class="cards">
+        {files.map((file) => (
+          <li key={file.id} class="line file" tabIndex={-1}>
+            <p>
+              <strong>
+                <Short titles={titles} title={file.title} />
+              </strong>
+              : {describeProblem(file)}
+            </p>
+            <RemoveButton files={[file]} send={send} />
+          </li>
+        ))}
+      </ul>
+    </details>
+  );
 }
 
 /** What was found, and the way on. @param {{state: State, send: Send}} props */
 function Found({ state, send }) {
-    const { savegames, places, single, refused } = countFound(state);
-    /** Forgets all files. */
-    function startOver() {
-        send({ type: "startedOver" });
-        goTo("files-heading");
-    }
-    const parts = [
-        savegames > 0 && countOf(savegames, "savegame", "savegames"),
-        places > 0 && `${formatNumber(places)} empty ${places === 1 ? "place" : "places"} for one`,
-        single > 0 && countOf(single, "floppy disc without its other disc", "floppy discs without their other disc"),
-        refused > 0 && `${countOf(refused, "file", "files")} that cannot be used`,
-    ].filter((part) => part !== false);
-    return (
-        <div class="found">
-            <p>
-                <strong>Found: {parts.length > 0 ? parts.join(", ") : "no savegame, and no place for one"}.</strong>
-            </p>
-            <p class="buttons">
-                {savegames > 0 && (
-                    <button type="button" onClick={() => goTo("move-heading")}>
-                        Next: move a savegame
-                    </button>
-                )}
-                <button type="button" class="quiet" onClick={startOver}>
-                    Start over (no file is deleted)
-                </button>
-            </p>
-        </div>
-    );
+  const { savegames, places, single, refused } = countFound(state);
+  /** Forgets all files. */
+  function startOver() {
+    send({ type: "startedOver" });
+    goTo("files-heading");
+  }
+  const parts = [
+    savegames > 0 && countOf(savegames, "savegame", "savegames"),
+    places > 0 && `${formatNumber(places)} empty ${places === 1 ? "place" : "places"} for one`,
+    single > 0 && countOf(single, "floppy disc without its other disc", "floppy discs without their other disc"),
+    refused > 0 && `${countOf(refused, "file", "files")} that cannot be used`,
+  ].filter((part) => part !== false);
+  return (
+    <div class="found">
+      <p>
+        <strong>Found: {parts.length > 0 ? parts.join(", ") : "no savegame, and no place for one"}.</strong>
+      </p>
+      <p class="buttons">
+        {savegames > 0 && (
+          <button type="button" onClick={() => goTo("move-heading")}>
+            Next: move a savegame
+          </button>
+        )}
+        <button type="button" class="quiet" onClick={startOver}>
+          Start over (no file is deleted)
+        </button>
+      </p>
+    </div>
+  );
 }
 
 /** @param {Common} props */
 export function Files({ state, titles, send }) {
-    if (state.files.length === 0) return undefined;
-    const { media, free, sources, refused } = groupFiles(state);
-    const common = { state, titles, send };
-    const card = (/** @type {Card} */ { id, pair, file }) => {
-        if (pair) return <PairCard key={id} pair={pair} {...common} />;
-        return file && <MediumCard key={id} file={file} {...common} />;
-    };
-    return (
-        <>
-            <Found state={state} send={send} />
-            <ul class="cards">{media.map(card)}</ul>
-            <FreeFloppies files={free} {...common} />
-            <RefusedFiles titles={titles} files={refused} isOpen={media.length + free.length === 0} send={send} />
-            <Sources files={sources} {...common} />
-        </>
-    );
+  if (state.files.length === 0) return undefined;
+  const { media, free, sources, refused } = groupFiles(state);
+  const common = { state, titles, send };
+  const card = (/** @type {Card} */ { id, pair, file }) => {
+    if (pair) return <PairCard key={id} pair={pair} {...common} />;
+    return file && <MediumCard key={id} file={file} {...common} />;
+  };
+  return (
+    <>
+      <Found state={state} send={send} />
+      <ul class="cards">{media.map(card)}</ul>
+      <FreeFloppies files={free} {...common} />
+      <RefusedFiles titles={titles} files={refused} isOpen={media.length + free.length === 0} send={send} />
+      <Sources files={sources} {...common} />
+    </>
+  );
 }

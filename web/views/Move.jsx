@@ -13,15 +13,15 @@ import { describeHolding, Differences, Remarks } from "./savegames.jsx";
 
 /** @type {Record<NonNullable<Option["refusal"]>, string>} */
 const refusals = {
-    same: "Both discs have the same contents.",
-    noSavegame: "It has no savegame.",
-    noSavegameAnywhere: "There is no savegame here: save in the game first.",
-    noPlace: "There is no place for a savegame.",
+  same: "Both discs have the same contents.",
+  noSavegame: "It has no savegame.",
+  noSavegameAnywhere: "There is no savegame here: save in the game first.",
+  noPlace: "There is no place for a savegame.",
 };
 
 /** @param {Map<string, string>} titles @param {Medium} medium */
 export function shortTitleOf(titles, { files }) {
-    return joinWords(files.map(({ title }) => titles.get(title) ?? title));
+  return joinWords(files.map(({ title }) => titles.get(title) ?? title));
 }
 
 /**
@@ -34,74 +34,74 @@ export function shortTitleOf(titles, { files }) {
  * @param {(id: string) => void} props.onChoose
  */
 function RadioGroup({ name, legend, gone, options, chosen, onChoose }) {
-    return (
-        <fieldset>
-            <legend>{legend}</legend>
-            {gone && <p class="warning">{gone} is no longer as it was when it was chosen. Please choose again.</p>}
-            {options.map(({ id, title, details, refusal }) => (
-                <label key={id} class="option">
-                    <input
-                        type="radio"
-                        name={name}
-                        checked={id === chosen}
-                        disabled={refusal !== undefined}
-                        onChange={() => onChoose(id)}
-                    />
-                    <span>
-                        {title}
-                        <span class="details">{refusal ?? details}</span>
-                    </span>
-                </label>
-            ))}
-        </fieldset>
-    );
+  return (
+    <fieldset>
+      <legend>{legend}</legend>
+      {gone && <p class="warning">{gone} is no longer as it was when it was chosen. Please choose again.</p>}
+      {options.map(({ id, title, details, refusal }) => (
+        <label key={id} class="option">
+          <input
+            type="radio"
+            name={name}
+            checked={id === chosen}
+            disabled={refusal !== undefined}
+            onChange={() => onChoose(id)}
+          />
+          <span>
+            {title}
+            <span class="details">{refusal ?? details}</span>
+          </span>
+        </label>
+      ))}
+    </fieldset>
+  );
 }
 
 /** What happens to the savegame in a target. @param {Medium} medium */
 function describeLoss({ savegame }) {
-    if (!hasSavegame(savegame)) return "empty: nothing is replaced";
-    return `has a savegame, which will be replaced: ${describeHolding(savegame)}`;
+  if (!hasSavegame(savegame)) return "empty: nothing is replaced";
+  return `has a savegame, which will be replaced: ${describeHolding(savegame)}`;
 }
 
 /** The savegame that is replaced beside the new one. @param {{titles: Map<string, string>, from: Medium, into: Medium}} props */
 function Replacement({ titles, from, into }) {
-    const title = shortTitleOf(titles, into);
-    if (countDifferentBytes(from.savegame, into.savegame) === 0) {
-        return <p class="note">{title} has the same savegame already: all 1,024 bytes are equal.</p>;
-    }
-    return (
-        <div class="warning">
-            <h3>The savegame in {title} will be replaced</h3>
-            <p>It is backed up into a file of its own, which you can save together with the new ones.</p>
-            <Differences
-                caption="The savegame that is replaced, and the new one"
-                headings={["Replaced", "New"]}
-                savegames={[into.savegame, from.savegame]}
-            />
-        </div>
-    );
+  const title = shortTitleOf(titles, into);
+  if (countDifferentBytes(from.savegame, into.savegame) === 0) {
+    return <p class="note">{title} has the same savegame already: all 1,024 bytes are equal.</p>;
+  }
+  return (
+    <div class="warning">
+      <h3>The savegame in {title} will be replaced</h3>
+      <p>It is backed up into a file of its own, which you can save together with the new ones.</p>
+      <Differences
+        caption="The savegame that is replaced, and the new one"
+        headings={["Replaced", "New"]}
+        savegames={[into.savegame, from.savegame]}
+      />
+    </div>
+  );
 }
 
 /** @param {{state: State, concerns: Concern[], send: Send}} props */
 function Agreement({ state, concerns, send }) {
-    const isAgreed = state.choices.agreed !== undefined;
-    return (
-        <div class="warning">
-            {concerns.map((concern, i) => (
-                <p key={i}>
-                    <ConcernText concern={concern} />
-                </p>
-            ))}
-            <label class="option">
-                <input
-                    type="checkbox"
-                    checked={isAgreed}
-                    onChange={(event) => send({ type: "agreementChosen", isAgreed: event.currentTarget.checked })}
-                />
-                <span>Move it all the same</span>
-            </label>
-        </div>
-    );
+  const isAgreed = state.choices.agreed !== undefined;
+  return (
+    <div class="warning">
+      {concerns.map((concern, i) => (
+        <p key={i}>
+          <ConcernText concern={concern} />
+        </p>
+      ))}
+      <label class="option">
+        <input
+          type="checkbox"
+          checked={isAgreed}
+          onChange={(event) => send({ type: "agreementChosen", isAgreed: event.currentTarget.checked })}
+        />
+        <span>Move it all the same</span>
+      </label>
+    </div>
+  );
 }
 
 /**
@@ -110,94 +110,87 @@ function Agreement({ state, concerns, send }) {
  * @param {Common & {from: Medium, into?: Medium}} props
  */
 function LastStep({ state, titles, from, into, send }) {
-    const concerns = findConcerns(state);
-    const isReady = concerns.length === 0 || state.choices.agreed !== undefined;
-    const isWorking = state.jobs.some(({ kind }) => kind === "make");
-    const isReplacing = into && hasSavegame(into.savegame);
-    const text = into
-        ? `Put the savegame into a copy of ${shortTitleOf(titles, into)}`
-        : `Make a backup of the savegame in ${shortTitleOf(titles, from)}`;
-    const failures = state.notices.filter((notice) => notice.kind === "notMade");
-    return (
-        <>
-            {isReplacing && <Replacement titles={titles} from={from} into={into} />}
-            {[from, into].map(
-                (medium) => medium?.kind === "pair" && <Remarks key={medium.id} savegame={medium.savegame} />,
-            )}
-            {concerns.length > 0 && <Agreement state={state} concerns={concerns} send={send} />}
-            <p class="buttons">
-                <button
-                    type="button"
-                    class="main"
-                    disabled={!isReady || isWorking}
-                    onClick={() => send({ type: "makeAsked" })}
-                >
-                    {text}
-                    {isReplacing && ", and back up the old one"}
-                </button>
-                {isWorking && <span class="kind">Making and comparing …</span>}
-            </p>
-            {failures.map(({ id, error, outdated }) => (
-                <Warning key={id}>
-                    That did not work, and nothing was made.{" "}
-                    {outdated.length > 0
-                        ? `${joinWords(outdated.map(({ title }) => title))} has changed since you added it. Close the emulator, and add the file again.`
-                        : error}
-                </Warning>
-            ))}
-        </>
-    );
+  const concerns = findConcerns(state);
+  const isReady = concerns.length === 0 || state.choices.agreed !== undefined;
+  const isWorking = state.jobs.some(({ kind }) => kind === "make");
+  const isReplacing = into && hasSavegame(into.savegame);
+  const text = into
+    ? `Put the savegame into a copy of ${shortTitleOf(titles, into)}`
+    : `Make a backup of the savegame in ${shortTitleOf(titles, from)}`;
+  const failures = state.notices.filter((notice) => notice.kind === "notMade");
+  return (
+    <>
+      {isReplacing && <Replacement titles={titles} from={from} into={into} />}
+      {[from, into].map((medium) => medium?.kind === "pair" && <Remarks key={medium.id} savegame={medium.savegame} />)}
+      {concerns.length > 0 && <Agreement state={state} concerns={concerns} send={send} />}
+      <p class="buttons">
+        <button type="button" class="main" disabled={!isReady || isWorking} onClick={() => send({ type: "makeAsked" })}>
+          {text}
+          {isReplacing && ", and back up the old one"}
+        </button>
+        {isWorking && <span class="kind">Making and comparing …</span>}
+      </p>
+      {failures.map(({ id, error, outdated }) => (
+        <Warning key={id}>
+          That did not work, and nothing was made.{" "}
+          {outdated.length > 0
+            ? `${joinWords(outdated.map(({ title }) => title))} has changed since you added it. Close the emulator, and add the file again.`
+            : error}
+        </Warning>
+      ))}
+    </>
+  );
 }
 
 /** @param {Common} props */
 export function Move({ state, titles, send }) {
-    const { choices, gone } = state;
-    const fromOptions = findFromOptions(state);
-    const from = findMedium(state, choices.from);
-    const into = findMedium(state, choices.into);
-    const hasFrom = fromOptions.some(isPossible);
-    /** @param {Option[]} options @param {(medium: Medium) => string} describe */
-    const toRows = (options, describe) =>
-        options.map((option) => ({
-            id: option.id,
-            title: shortTitleOf(titles, option),
-            details: describe(option),
-            refusal: option.refusal && refusals[option.refusal],
-        }));
-    const dataFile = {
-        id: newDataFile,
-        title: "Only a backup file",
-        details: "a new small file, which this page can put back",
-    };
-    const images = toRows(findIntoOptions(state), describeLoss);
-    const intoRows = from && from.kind !== "data" ? [...images, dataFile] : images;
-    return (
-        <>
-            <RadioGroup
-                name="from"
-                legend="From: which savegame?"
-                gone={gone.from}
-                options={toRows(fromOptions, ({ savegame }) => describeHolding(savegame))}
-                chosen={choices.from}
-                onChoose={(medium) => send({ type: "fromChosen", medium })}
-            />
-            {!hasFrom && <p class="warning">To move a savegame, add the files that have it.</p>}
-            {hasFrom && !from && <p>Choose which savegame it is.</p>}
-            {from && intoRows.length === 0 && <p>Add the file that the savegame shall go into.</p>}
-            {from && intoRows.length > 0 && (
-                <RadioGroup
-                    name="into"
-                    legend="Into: where shall it go?"
-                    gone={gone.into}
-                    options={intoRows}
-                    chosen={choices.into}
-                    onChoose={(medium) => send({ type: "intoChosen", medium })}
-                />
-            )}
-            {from && intoRows.length > 0 && choices.into === undefined && <p>Choose where it shall go.</p>}
-            {from && choices.into !== undefined && (
-                <LastStep state={state} titles={titles} from={from} into={into} send={send} />
-            )}
-        </>
-    );
+  const { choices, gone } = state;
+  const fromOptions = findFromOptions(state);
+  const from = findMedium(state, choices.from);
+  const into = findMedium(state, choices.into);
+  const hasFrom = fromOptions.some(isPossible);
+  /** @param {Option[]} options @param {(medium: Medium) => string} describe */
+  const toRows = (options, describe) =>
+    options.map((option) => ({
+      id: option.id,
+      title: shortTitleOf(titles, option),
+      details: describe(option),
+      refusal: option.refusal && refusals[option.refusal],
+    }));
+  const dataFile = {
+    id: newDataFile,
+    title: "Only a backup file",
+    details: "a new small file, which this page can put back",
+  };
+  const images = toRows(findIntoOptions(state), describeLoss);
+  const intoRows = from && from.kind !== "data" ? [...images, dataFile] : images;
+  return (
+    <>
+      <RadioGroup
+        name="from"
+        legend="From: which savegame?"
+        gone={gone.from}
+        options={toRows(fromOptions, ({ savegame }) => describeHolding(savegame))}
+        chosen={choices.from}
+        onChoose={(medium) => send({ type: "fromChosen", medium })}
+      />
+      {!hasFrom && <p class="warning">To move a savegame, add the files that have it.</p>}
+      {hasFrom && !from && <p>Choose which savegame it is.</p>}
+      {from && intoRows.length === 0 && <p>Add the file that the savegame shall go into.</p>}
+      {from && intoRows.length > 0 && (
+        <RadioGroup
+          name="into"
+          legend="Into: where shall it go?"
+          gone={gone.into}
+          options={intoRows}
+          chosen={choices.into}
+          onChoose={(medium) => send({ type: "intoChosen", medium })}
+        />
+      )}
+      {from && intoRows.length > 0 && choices.into === undefined && <p>Choose where it shall go.</p>}
+      {from && choices.into !== undefined && (
+        <LastStep state={state} titles={titles} from={from} into={into} send={send} />
+      )}
+    </>
+  );
 }

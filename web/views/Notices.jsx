@@ -6,58 +6,58 @@ import { formatNumber } from "./parts.jsx";
 
 /** @param {FileFacts} file */
 function dateOf({ modified }) {
-    return new Date(modified).toLocaleString("en", { dateStyle: "medium", timeStyle: "medium" });
+  return new Date(modified).toLocaleString("en", { dateStyle: "medium", timeStyle: "medium" });
 }
 
 /** @param {Notice} notice */
 function textOf(notice) {
-    switch (notice.kind) {
-        case "replaced":
-            return notice.old.contents.kind === "refused"
-                ? `${notice.file.path} was added again, in place of the one that could not be used.`
-                : `${notice.old.title} of ${dateOf(notice.old)} has changed on the disk. The file of this name that you added now, of ${dateOf(notice.file)}, is in its place. If that is another file, add the first one again, too.`;
-        case "nothingGiven":
-            return "There are no files in it.";
-        case "leftOut":
-            return `There are too many files in this folder: ${formatNumber(notice.count)} of them were left out. Add single files instead.`;
-        case "madeInVain":
-            return "While the new files were made, something else was chosen. They are not offered: press the button again.";
-        case "failed":
-            return `That did not work. ${notice.error}`;
-        default:
-            return undefined; // shown elsewhere
-    }
+  switch (notice.kind) {
+    case "replaced":
+      return notice.old.contents.kind === "refused"
+        ? `${notice.file.path} was added again, in place of the one that could not be used.`
+        : `${notice.old.title} of ${dateOf(notice.old)} has changed on the disk. The file of this name that you added now, of ${dateOf(notice.file)}, is in its place. If that is another file, add the first one again, too.`;
+    case "nothingGiven":
+      return "There are no files in it.";
+    case "leftOut":
+      return `There are too many files in this folder: ${formatNumber(notice.count)} of them were left out. Add single files instead.`;
+    case "madeInVain":
+      return "While the new files were made, something else was chosen. They are not offered: press the button again.";
+    case "failed":
+      return `That did not work. ${notice.error}`;
+    default:
+      return undefined; // shown elsewhere
+  }
 }
 
 /** @param {{state: State, send: Send}} props */
 export function Notices({ state, send }) {
-    const { notices, doubles, gone } = state;
-    const shown = notices.flatMap((notice) => ({ id: notice.id, text: textOf(notice) }));
-    return (
-        <div role="status">
-            {shown
-                .filter(({ text }) => text)
-                .map(({ id, text }) => (
-                    <div key={id} class="note">
-                        {text}{" "}
-                        <button type="button" class="quiet" onClick={() => send({ type: "noticeClosed", id })}>
-                            Close
-                        </button>
-                    </div>
-                ))}
-            {doubles.length > 0 && (
-                <div class="note">
-                    In the list already, with the same date and contents: {doubles.map(({ path }) => path).join(", ")}.{" "}
-                    <button type="button" onClick={() => send({ type: "doublesAdded" })}>
-                        Add all the same
-                    </button>
-                </div>
-            )}
-            {gone.result && (
-                <div class="note">
-                    {gone.result} is no longer offered: the files or the choices that it was made of have changed.
-                </div>
-            )}
+  const { notices, doubles, gone } = state;
+  const shown = notices.flatMap((notice) => ({ id: notice.id, text: textOf(notice) }));
+  return (
+    <div role="status">
+      {shown
+        .filter(({ text }) => text)
+        .map(({ id, text }) => (
+          <div key={id} class="note">
+            {text}{" "}
+            <button type="button" class="quiet" onClick={() => send({ type: "noticeClosed", id })}>
+              Close
+            </button>
+          </div>
+        ))}
+      {doubles.length > 0 && (
+        <div class="note">
+          In the list already, with the same date and contents: {doubles.map(({ path }) => path).join(", ")}.{" "}
+          <button type="button" onClick={() => send({ type: "doublesAdded" })}>
+            Add all the same
+          </button>
         </div>
-    );
+      )}
+      {gone.result && (
+        <div class="note">
+          {gone.result} is no longer offered: the files or the choices that it was made of have changed.
+        </div>
+      )}
+    </div>
+  );
 }

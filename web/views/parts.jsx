@@ -5,34 +5,34 @@ import { Component } from "preact";
 
 /** @param {number} number */
 export function formatNumber(number) {
-    return number.toLocaleString("en");
+  return number.toLocaleString("en");
 }
 
 /** @param {number} size */
 export function formatSize(size) {
-    return `${formatNumber(size)} ${size === 1 ? "byte" : "bytes"}`;
+  return `${formatNumber(size)} ${size === 1 ? "byte" : "bytes"}`;
 }
 
 /** @param {number} count @param {string} one @param {string} more */
 export function countOf(count, one, more) {
-    return `${formatNumber(count)} ${count === 1 ? one : more}`;
+  return `${formatNumber(count)} ${count === 1 ? one : more}`;
 }
 
 /** @param {string[]} words */
 export function joinWords(words) {
-    return words.join(" and ");
+  return words.join(" and ");
 }
 
 /** Brings a heading into view, and the focus to it. @param {string} id */
 export function goTo(id) {
-    const heading = document.getElementById(id);
-    heading?.scrollIntoView({ block: "start" });
-    heading?.focus({ preventScroll: true });
+  const heading = document.getElementById(id);
+  heading?.scrollIntoView({ block: "start" });
+  heading?.focus({ preventScroll: true });
 }
 
 /** A short title; the whole one is in its tooltip. @param {{titles: Map<string, string>, title: string}} props */
 export function Short({ titles, title }) {
-    return <span title={title}>{titles.get(title) ?? title}</span>;
+  return <span title={title}>{titles.get(title) ?? title}</span>;
 }
 
 /**
@@ -42,32 +42,32 @@ export function Short({ titles, title }) {
  * @extends {Component<{on: unknown[], children: ComponentChildren}, {error?: Error}>}
  */
 export class Part extends Component {
-    /** @param {Error} error */
-    static getDerivedStateFromError(error) {
-        return { error };
-    }
+  /** @param {Error} error */
+  static getDerivedStateFromError(error) {
+    return { error };
+  }
 
-    /** @param {{on: unknown[]}} next @param {{error?: Error}} nextState */
-    shouldComponentUpdate(next, nextState) {
-        const hasChanged = next.on.some((value, i) => value !== this.props.on[i]);
-        if (hasChanged && nextState.error) this.setState({ error: undefined }); // tries again
-        return hasChanged || nextState.error !== this.state.error;
-    }
+  /** @param {{on: unknown[]}} next @param {{error?: Error}} nextState */
+  shouldComponentUpdate(next, nextState) {
+    const hasChanged = next.on.some((value, i) => value !== this.props.on[i]);
+    if (hasChanged && nextState.error) this.setState({ error: undefined }); // tries again
+    return hasChanged || nextState.error !== this.state.error;
+  }
 
-    render() {
-        const { error } = this.state;
-        if (!error) return this.props.children;
-        return <Warning>This part of the page cannot be shown. The rest works as before. {error.message}</Warning>;
-    }
+  render() {
+    const { error } = this.state;
+    if (!error) return this.props.children;
+    return <Warning>This part of the page cannot be shown. The rest works as before. {error.message}</Warning>;
+  }
 }
 
 /** @param {{children: ComponentChildren}} props */
 export function Warning({ children }) {
-    return (
-        <div role="alert" class="warning">
-            {children}
-        </div>
-    );
+  return (
+    <div role="alert" class="warning">
+      {children}
+    </div>
+  );
 }
 
 /**
@@ -76,9 +76,9 @@ export function Warning({ children }) {
  * @param {{text: string}} props
  */
 export function Name({ text }) {
-    const limit = 200;
-    const shown = text.length > limit ? `${text.slice(0, limit)}… (${formatNumber(text.length)} characters)` : text;
-    return shown.split(/(_)|(?=[A-Z][a-z])/).map((part) => (part === "_" ? ["_", <wbr />] : part));
+  const limit = 200;
+  const shown = text.length > limit ? `${text.slice(0, limit)}… (${formatNumber(text.length)} characters)` : text;
+  return shown.split(/(_)|(?=[A-Z][a-z])/).map((part) => (part === "_" ? ["_", <wbr />] : part));
 }
 
 /**
@@ -87,32 +87,32 @@ export function Name({ text }) {
  * @param {{caption: ComponentChildren, headings: string[], rows: ComponentChildren[][]}} props
  */
 export function Table({ caption, headings, rows }) {
-    return (
-        <div class="scrolled">
-            <table>
-                <caption>{caption}</caption>
-                <thead>
-                    <tr>
-                        {headings.map((heading) => (
-                            <th key={heading} scope="col">
-                                {heading}
-                            </th>
-                        ))}
-                    </tr>
-                </thead>
-                <tbody>
-                    {rows.map(([first, ...rest], i) => (
-                        <tr key={i}>
-                            <th scope="row">{first}</th>
-                            {rest.map((cell, column) => (
-                                <td key={column}>{cell}</td>
-                            ))}
-                        </tr>
-                    ))}
-                </tbody>
-            </table>
-        </div>
-    );
+  return (
+    <div class="scrolled">
+      <table>
+        <caption>{caption}</caption>
+        <thead>
+          <tr>
+            {headings.map((heading) => (
+              <th key={heading} scope="col">
+                {heading}
+              </th>
+            ))}
+          </tr>
+        </thead>
+        <tbody>
+          {rows.map(([first, ...rest], i) => (
+            <tr key={i}>
+              <th scope="row">{first}</th>
+              {rest.map((cell, column) => (
+                <td key={column}>{cell}</td>
+              ))}
+            </tr>
+          ))}
+        </tbody>
+      </table>
+    </div>
+  );
 }
 
 /**
@@ -122,27 +122,27 @@ export function Table({ caption, headings, rows }) {
  *     `name` is the whole label, if others on the page are the same
  */
 export function Choice({ label, name, options, value, onChoose }) {
-    return (
-        <label class="select">
-            {label}
-            <select aria-label={name} value={value} onChange={(event) => onChoose(event.currentTarget.value)}>
-                {options.map(([key, text]) => (
-                    <option key={key} value={key}>
-                        {text}
-                    </option>
-                ))}
-            </select>
-        </label>
-    );
+  return (
+    <label class="select">
+      {label}
+      <select aria-label={name} value={value} onChange={(event) => onChoose(event.currentTarget.value)}>
+        {options.map(([key, text]) => (
+          <option key={key} value={key}>
+            {text}
+          </option>
+        ))}
+      </select>
+    </label>
+  );
 }
 
 /** @param {{output: string}} props */
 export function ProgramOutput({ output }) {
-    const limit = 5000; // characters
-    return (
-        <>
-            <p class="kind">The program says:</p>
-            <pre>{output.length > limit ? `${output.slice(0, limit)} …` : output}</pre>
-        </>
-    );
+  const limit = 5000; // characters
+  return (
+    <>
+      <p class="kind">The program says:</p>
+      <pre>{output.length > limit ? `${output.slice(0, limit)} …` : output}</pre>
+    </>
+  );
 }

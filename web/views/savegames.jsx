@@ -13,50 +13,50 @@ const differenceLimit = 100; // rows
 
 /** @param {Disc[]} discs */
 export function describeHolding(discs) {
-    const saved = discs.filter(({ state }) => state !== "none");
-    if (saved.length === 0) return "no savegame";
-    const values = (/** @type {string} */ name) =>
-        [...new Set(saved.map(({ fields }) => fields.get(name)))].join(" and ");
-    return `money ${values("money")}, lives ${values("lives")}, items ${saved.map(countUsedItems).join(" and ")}`;
+  const saved = discs.filter(({ state }) => state !== "none");
+  if (saved.length === 0) return "no savegame";
+  const values = (/** @type {string} */ name) =>
+    [...new Set(saved.map(({ fields }) => fields.get(name)))].join(" and ");
+  return `money ${values("money")}, lives ${values("lives")}, items ${saved.map(countUsedItems).join(" and ")}`;
 }
 
 /** @param {{discs: Disc[]}} props */
 export function Badge({ discs }) {
-    if (!hasSavegame(discs)) return <span class="badge">empty</span>;
-    const isDamaged = discs.some(({ state }) => state === "damaged");
-    return <span class={`badge ${isDamaged ? "damaged" : "good"}`}>{isDamaged ? "damaged savegame" : "savegame"}</span>;
+  if (!hasSavegame(discs)) return <span class="badge">empty</span>;
+  const isDamaged = discs.some(({ state }) => state === "damaged");
+  return <span class={`badge ${isDamaged ? "damaged" : "good"}`}>{isDamaged ? "damaged savegame" : "savegame"}</span>;
 }
 
 /** What there is, at a glance. @param {{discs: Disc[]}} props */
 export function Summary({ discs }) {
-    const missing = discs.length > 1 ? discs.flatMap(({ state }, i) => (state === "none" ? i + 2 : [])) : [];
-    const isHalf = missing.length === 1;
-    return (
-        <p class="summary">
-            <Badge discs={discs} /> {hasSavegame(discs) && describeHolding(discs)}
-            {isHalf && ` (only on disc ${5 - missing[0]})`}
-        </p>
-    );
+  const missing = discs.length > 1 ? discs.flatMap(({ state }, i) => (state === "none" ? i + 2 : [])) : [];
+  const isHalf = missing.length === 1;
+  return (
+    <p class="summary">
+      <Badge discs={discs} /> {hasSavegame(discs) && describeHolding(discs)}
+      {isHalf && ` (only on disc ${5 - missing[0]})`}
+    </p>
+  );
 }
 
 /** What is damaged, and what differs between disc 2 and disc 3. @param {{savegame: Savegame}} props */
 export function Remarks({ savegame }) {
-    const damages = savegame.flatMap(({ damagedPages }, i) =>
-        damagedPages.map((page) => `On disc ${i + 2}, ${pageNames[page]} is damaged: its checksum is wrong.`),
-    );
-    const remarks = findRemarks(savegame).map(({ title, values }) => `${title} (${values.join(" and ")})`);
-    return (
-        <>
-            {damages.map((text) => (
-                <p key={text} class="remark">
-                    {text}
-                </p>
-            ))}
-            {remarks.length > 0 && (
-                <p class="remark">Disc 2 and disc 3 differ in {remarks.join(", ")}. Are they of the same savegame?</p>
-            )}
-        </>
-    );
+  const damages = savegame.flatMap(({ damagedPages }, i) =>
+    damagedPages.map((page) => `On disc ${i + 2}, ${pageNames[page]} is damaged: its checksum is wrong.`),
+  );
+  const remarks = findRemarks(savegame).map(({ title, values }) => `${title} (${values.join(" and ")})`);
+  return (
+    <>
+      {damages.map((text) => (
+        <p key={text} class="remark">
+          {text}
+        </p>
+      ))}
+      {remarks.length > 0 && (
+        <p class="remark">Disc 2 and disc 3 differ in {remarks.join(", ")}. Are they of the same savegame?</p>
+      )}
+    </>
+  );
 }
 
 /**
@@ -65,18 +65,18 @@ export function Remarks({ savegame }) {
  * @param {{savegames: Savegame[], headings: string[], caption: string}} props
  */
 export function Differences({ savegames, headings, caption }) {
-    const [savegame, other] = savegames;
-    const count = countDifferentBytes(savegame, other);
-    if (count === 0) return <p>Both savegames are the same: all 1,024 bytes are equal.</p>;
-    const differences = compareSavegames(savegame, other);
-    const bytes = `${formatNumber(count)} of 1,024 bytes differ.`;
-    if (differences.length === 0) return <p>{bytes} They are flags, or bytes that nobody can explain.</p>;
-    const rows = differences.slice(0, differenceLimit).map(({ title, values }) => [title, ...values]);
-    return (
-        <>
-            <Table caption={caption} headings={["What differs", ...headings]} rows={rows} />
-            {differences.length > rows.length && <p>And {differences.length - rows.length} more.</p>}
-            <p class="kind">{bytes}</p>
-        </>
-    );
+  const [savegame, other] = savegames;
+  const count = countDifferentBytes(savegame, other);
+  if (count === 0) return <p>Both savegames are the same: all 1,024 bytes are equal.</p>;
+  const differences = compareSavegames(savegame, other);
+  const bytes = `${formatNumber(count)} of 1,024 bytes differ.`;
+  if (differences.length === 0) return <p>{bytes} They are flags, or bytes that nobody can explain.</p>;
+  const rows = differences.slice(0, differenceLimit).map(({ title, values }) => [title, ...values]);
+  return (
+    <>
+      <Table caption={caption} headings={["What differs", ...headings]} rows={rows} />
+      {differences.length > rows.length && <p>And {differences.length - rows.length} more.</p>}
+      <p class="kind">{bytes}</p>
+    </>
+  );
 }
