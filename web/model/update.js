@@ -182,14 +182,9 @@ function fileRemoved(state, { id }) {
  */
 function choose(name, findOptions) {
   return (state, { medium }) => {
-    const possible = [
-      "",
-      newDataFile,
-      ...findOptions(state)
-        .filter(isPossible)
-        .map(({ id }) => id),
-    ];
-    if (!possible.includes(medium)) return state;
+    const always = name === "into" ? ["", newDataFile] : [""];
+    const option = findOptions(state).find(({ id }) => id === medium);
+    if (!always.includes(medium) && !(option && isPossible(option))) return state;
     return {
       ...state,
       choices: { ...state.choices, [name]: medium === "" ? undefined : medium },
