@@ -238,6 +238,7 @@ function withoutLostChoices(before, state) {
   const from = findMedium(state, choices.from);
   const isUseless = choices.into === newDataFile && (!from || from.kind === "data");
   if (isUseless) choices.into = undefined;
+  if (choices.compared === choices.shown) choices.compared = undefined;
   return { ...state, choices, gone };
 }
 

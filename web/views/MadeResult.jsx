@@ -16,7 +16,7 @@ function proofsOf({ files, from, into, hasBackup }) {
     const tail = `Its last ${tailSize} bytes, notes about errors of the original disc, are unchanged.`;
     return tailSize > 0 ? `${change} ${tail}` : change;
   });
-  const backup = `The same step shows that the backup ${files.at(-1)?.name} restores the old savegame completely.`;
+  const backup = `The same step shows that “${files.at(-1)?.name}” restores the old savegame completely.`;
   return [
     `What comes out of the copy is the savegame of ${titleOf(from)}: all 1,024 bytes are equal.`,
     ...changes,
@@ -36,7 +36,7 @@ function nextSteps({ files, into, hasBackup }) {
     "Close the emulator first. When it ends, it may write its own contents over a file.",
     `In the emulator, use the new ${hasMore ? "files" : "file"} in place of ${title}.`,
     hasBackup
-      ? `The old savegame is now in the backup ${files.at(-1)?.name}, and still in ${title}. Do not delete both, if you may want it back.`
+      ? `The old savegame is now in “${files.at(-1)?.name}”, and still in ${title}. Do not delete both, if you may want it back.`
       : `Keep ${title} until the game has loaded the savegame.`,
   ];
 }
