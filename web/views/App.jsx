@@ -99,7 +99,7 @@ export function App({ state, send, effects }) {
           1. Your files
         </h2>
         <DropZone hasFiles={files.length > 0} effects={effects} />
-        <Part on={[notices, doubles, gone]}>
+        <Part on={[notices, doubles]}>
           <Notices state={state} send={send} />
         </Part>
         <Part on={[files, pairs, sources]}>

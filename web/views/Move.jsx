@@ -188,6 +188,11 @@ export function Move({ state, titles, send }) {
         />
       )}
       {from && intoRows.length > 0 && choices.into === undefined && <p>Choose where it shall go.</p>}
+      {gone.result && (
+        <p class="note" role="status">
+          No longer offered: {gone.result}. The files or the choices that it was made of have changed.
+        </p>
+      )}
       {from && choices.into !== undefined && (
         <LastStep state={state} titles={titles} from={from} into={into} send={send} />
       )}

@@ -31,7 +31,7 @@ function textOf(notice) {
 
 /** @param {{state: State, send: Send}} props */
 export function Notices({ state, send }) {
-  const { notices, doubles, gone } = state;
+  const { notices, doubles } = state;
   const shown = notices.flatMap((notice) => ({ id: notice.id, text: textOf(notice) }));
   return (
     <div role="status">
@@ -51,11 +51,6 @@ export function Notices({ state, send }) {
           <button type="button" onClick={() => send({ type: "doublesAdded" })}>
             Add all the same
           </button>
-        </div>
-      )}
-      {gone.result && (
-        <div class="note">
-          {gone.result} is no longer offered: the files or the choices that it was made of have changed.
         </div>
       )}
     </div>

@@ -1,7 +1,7 @@
 // What a savegame holds, alone or beside another one: values, items and flags.
 import { compareFlags } from "../model/compare.js";
 import { findMedia, findMedium, hasSavegame } from "../model/media.js";
-import { findRows, isFound } from "../model/search.js";
+import { findRows } from "../model/search.js";
 import { findSources, sourceRoles } from "../model/sources.js";
 import { isLikelyUsed, itemName, otherValueNames, valueNames } from "../model/values.js";
 import { shortTitleOf } from "./Move.jsx";
@@ -17,7 +17,8 @@ const discColumns = ["Disc\u00a02", "Disc\u00a03"];
 
 /** @param {{caption: string, slots: Slot[], search: string}} props */
 function ItemTable({ caption, slots, search }) {
-  const rows = slots.map((slot) => [itemName(slot), slot.count]).filter(([item]) => isFound(item, search));
+  const items = slots.map((slot) => ({ name: itemName(slot), count: slot.count }));
+  const rows = findRows(items, search).rows.map(({ name, count }) => [name, count]);
   if (rows.length === 0) return <p class="kind">{`${caption}: ${search === "" ? "nothing" : "nothing found"}`}</p>;
   return <Table caption={caption} headings={["Item", "Count"]} rows={rows} />;
 }
