@@ -7,6 +7,7 @@ cd "$(dirname "$0")/.."
 
 scripts/install.sh build-essential cmake debhelper emscripten g++-mingw-w64-x86-64-posix libgtest-dev lintian man-db \
     ninja-build node-acorn strace zip
+scripts/install_npm.sh
 version=$(sed -n 's/^project(stashkeep VERSION \([0-9.]*\).*/\1/p' CMakeLists.txt)
 work=$(mktemp -d)
 
@@ -14,7 +15,8 @@ work=$(mktemp -d)
 build() (
     exec >"$work/log" 2>&1
     mkdir -p "$1/sources"
-    tar --exclude=./.git --exclude=./build --exclude=./out --exclude=./node_modules -c . | tar --no-same-permissions -xC "$1/sources"
+    # With node_modules/, so that the page is built without a network.
+    tar --exclude=./.git --exclude=./build --exclude=./out -c . | tar --no-same-permissions -xC "$1/sources"
     cd "$1/sources"
     dpkg-buildpackage -us -uc -b
     cmake --preset release
