@@ -5,7 +5,6 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 
 scripts/page.sh >/dev/null
-scripts/install_npm.sh
 scripts/install.sh chromium cmake g++ hyperfine libbenchmark-dev libgtest-dev ninja-build python3 time
 cmake --preset bench >/dev/null
 cmake --build --preset bench >/dev/null

@@ -295,5 +295,3 @@ test("without WebAssembly, the page says what it needs", async (t) => {
   assert.match(text, /This page needs JavaScript and WebAssembly: please open it in a browser/);
   assert.deepEqual(browser.complaints, []);
 });
-
-test("the page has at most 300 KB", () => assert.ok(statSync(page).size <= 300_000));
