@@ -18,13 +18,28 @@ export const dataFileSize = 1024; // bytes
 
 const sliceSize = 16 * 1024 * 1024; // bytes that are compared at once, so that the page stays alive
 
-/** In how many places two arrays of one length differ. @param {Uint8Array} bytes @param {Uint8Array} otherBytes */
+/** The same bytes, four in one number, if they lie so in memory. @param {Uint8Array} bytes */
+function toWords({ buffer, byteOffset, length }) {
+  return byteOffset % 4 === 0 && length % 4 === 0 ? new Uint32Array(buffer, byteOffset, length / 4) : undefined;
+}
+
+/**
+ * In how many places two arrays of one length differ. Where possible, four bytes are compared at once.
+ *
+ * @param {Uint8Array} bytes
+ * @param {Uint8Array} otherBytes
+ */
 async function countDifferences(bytes, otherBytes) {
+  const [words, otherWords] = [toWords(bytes), toWords(otherBytes)];
+  const haveWords = words !== undefined && otherWords !== undefined;
   let count = 0;
   for (let start = 0; start < bytes.length; start += sliceSize) {
     const end = Math.min(start + sliceSize, bytes.length);
-    for (let i = start; i < end; ++i) {
-      if (bytes[i] !== otherBytes[i]) ++count;
+    for (let i = start; i < end; i += 4) {
+      if (haveWords && words[i >> 2] === otherWords[i >> 2]) continue;
+      for (let at = i; at < Math.min(i + 4, end); ++at) {
+        if (bytes[at] !== otherBytes[at]) ++count;
+      }
     }
     if (end < bytes.length) await new Promise((resolve) => setTimeout(resolve));
   }

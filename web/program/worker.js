@@ -73,6 +73,18 @@ function instantiate(module) {
 }
 
 /**
+ * The bytes of a file, which are not copied if they have a buffer of their own: nobody reads the file any more.
+ *
+ * @param {any} FS
+ * @param {string} path
+ * @returns {Uint8Array}
+ */
+function takeBytes(FS, path) {
+  const { contents, usedBytes } = FS.lookupPath(path).node;
+  return contents?.buffer?.byteLength === usedBytes ? contents : FS.readFile(path);
+}
+
+/**
  * Runs the command line. The program may keep and change the bytes of the files.
  *
  * @param {Run} run
@@ -97,7 +109,7 @@ async function run({ module, args, files }) {
   return {
     exitStatus,
     output: FS.readFile("/output"),
-    files: remaining.map((name) => [name, FS.readFile(folder + name)]),
+    files: remaining.map((name) => [name, takeBytes(FS, folder + name)]),
     missing: [...missing].map(nameOf),
   };
 }
