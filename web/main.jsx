@@ -31,7 +31,7 @@ const given = new Map();
 let made = [];
 
 function show() {
-  render(<App state={state} send={send} effects={{ giveInput, giveExamples, save, saveAll }} />, root);
+  render(<App state={state} send={send} effects={{ giveInput, giveExamples, save, saveAll, startOver }} />, root);
   status.textContent = state.progress;
 }
 
@@ -258,6 +258,17 @@ async function saveAll() {
   }
 }
 
+function hasUnsaved() {
+  return state.result?.files.some(({ isSaved }) => !isSaved) ?? false;
+}
+
+/** Forgets all files, unless the person wants to save first. */
+function startOver() {
+  if (hasUnsaved() && !confirm("Not all new files are saved yet. Start over without them?")) return;
+  send({ type: "startedOver" });
+  goTo("files-heading");
+}
+
 function start() {
   document.getElementById("needs")?.remove();
   const classes = document.body.classList;
@@ -274,7 +285,7 @@ function start() {
     if (event.dataTransfer?.types.includes("Files")) give(filesOfDrop(event.dataTransfer));
   });
   addEventListener("beforeunload", (event) => {
-    if (!state.result?.files.some(({ isSaved }) => !isSaved)) return;
+    if (!hasUnsaved()) return;
     event.preventDefault(); // the browser asks
     event.returnValue = true; // older browsers ask only then
   });

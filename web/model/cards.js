@@ -1,6 +1,7 @@
 // How the files are grouped in the list, and what was found among them.
 import { findMedia, hasSavegame, mediumOfFile } from "./media.js";
-import { discNumbers, findFreeFloppies } from "./pairs.js";
+import { countDifferentBytes } from "./compare.js";
+import { discNumbers, findFreeFloppies, suggestedNumber } from "./pairs.js";
 
 /** @import { FileFacts, Pair, State } from "./types.js" */
 
@@ -37,19 +38,24 @@ export function groupFiles({ files, pairs }) {
 }
 
 /**
- * How many there are of what: savegames, empty places for one, floppy images without the other disc, and files that cannot
- * be used.
+ * How many there are of what: savegames, and how many of them are not the same as another one; empty places for one; discs
+ * whose other disc is missing; and files that cannot be used.
  *
  * @param {Pick<State, "files" | "pairs">} state
  */
 export function countFound(state) {
-  const media = findMedia(state);
-  const usable = media.filter(({ isSame }) => !isSame);
+  const usable = findMedia(state).filter(({ isSame }) => !isSame);
+  const saved = usable.map(({ savegame }) => savegame).filter(hasSavegame);
+  const isFirst = saved.map(
+    (savegame, i) => saved.findIndex((other) => countDifferentBytes(savegame, other) === 0) === i,
+  );
   const { free, refused } = groupFiles(state);
+  const halves = state.pairs.filter((pair) => !pair[2] || !pair[3]);
   return {
-    savegames: usable.filter(({ savegame }) => hasSavegame(savegame)).length,
+    savegames: saved.length,
+    different: isFirst.filter(Boolean).length,
     places: usable.filter(({ savegame, canTake }) => canTake && !hasSavegame(savegame)).length,
-    single: free.length + state.pairs.filter((pair) => !pair[2] || !pair[3]).length,
+    single: free.filter((file) => suggestedNumber(file) !== "other").length + halves.length,
     refused: refused.length,
   };
 }

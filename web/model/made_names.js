@@ -3,7 +3,7 @@ import { lastName, withoutAdditions } from "./names.js";
 
 /** @import { Medium } from "./types.js" */
 
-const partLimit = 80; // bytes in UTF-8, so that a name of two parts has less than the 255 of file systems
+const partLimit = 90; // bytes in UTF-8, so that a name of two parts has less than the 255 of file systems
 
 /** The name without its extension, and that with its dot. @param {string} name */
 function splitExtension(name) {
@@ -34,20 +34,33 @@ function formatTime(time) {
   const date = new Date(time);
   const pad = (/** @type {number} */ number) => String(number).padStart(2, "0");
   const day = [date.getFullYear(), pad(date.getMonth() + 1), pad(date.getDate())].join("-");
-  return `${day} ${pad(date.getHours())}.${pad(date.getMinutes())}`;
+  return `${day} ${pad(date.getHours())}-${pad(date.getMinutes())}`;
 }
 
 /**
- * Where a savegame comes from: the file and when it was written, so that later savegames have other names. A backup has
- * that in its own name.
+ * What the names of a medium's files have in common: "zarnis" of "zarnis2.d64" and "zarnis3.d64".
  *
  * @param {Medium} medium
  */
-function originOf({ files }) {
-  const [{ name, modified }] = files;
-  const { stem } = splitExtension(name);
-  const backup = /^backup of (.*, \d{4}-\d\d-\d\d \d\d\.\d\d)/s.exec(stem)?.[1];
-  return toPart(backup ?? `${withoutAdditions(stem)}, ${formatTime(modified)}`);
+function commonName({ files }) {
+  const [first, other = first] = files.map(({ name }) => withoutAdditions(splitExtension(name).stem));
+  if (first === other) return first;
+  const length = [...first].findIndex((character, i) => character !== other[i]);
+  return first.slice(0, length).replace(/[\s([_.-]*(dis[ck]|side)?[\s([_.-]*$/i, "") || first;
+}
+
+/**
+ * Where a savegame comes from: the file, the money in it, and when it was written, so that other savegames have other
+ * names. A backup has that in its own name.
+ *
+ * @param {Medium} medium
+ */
+function originOf(medium) {
+  const { name, modified } = medium.files[0];
+  const backup = /^backup of (.*, money \d+, \d{4}-\d\d-\d\d \d\d-\d\d)/s.exec(name)?.[1];
+  if (backup) return toPart(backup);
+  const money = medium.savegame.find(({ state }) => state !== "none")?.fields.get("money");
+  return `${toPart(commonName(medium))}, money ${money}, ${formatTime(modified)}`;
 }
 
 /** The name of a data file with the savegame of a medium. @param {Medium} medium */
@@ -62,11 +75,14 @@ export function nameOfBackup(medium) {
  * @param {Medium} into
  */
 export function namesOfCopies(from, into) {
-  const isSame = new Set(into.files.map(({ path }) => lastName(path).toLowerCase())).size < into.files.length;
-  return into.files.map(({ path, name }, i) => {
-    const { stem, extension } = splitExtension(isSame ? lastName(path) : name);
-    const which = isSame ? ` disc ${i + 2}` : "";
+  /** @param {string} name */
+  const toShort = (name) => toPart(withoutAdditions(splitExtension(name).stem));
+  const short = into.files.map(({ path }) => toShort(lastName(path)));
+  const isSame = new Set(short.map((name) => name.toLowerCase())).size < short.length;
+  return into.files.map(({ name }, i) => {
+    const { extension } = splitExtension(name);
+    const which = isSame ? `${short[i]} disc ${i + 2}` : toShort(name);
     const ending = extension === "" ? "" : `.${toPart(extension)}`;
-    return `${toPart(withoutAdditions(stem))}${which} (savegame of ${originOf(from)})${ending}`;
+    return `${which} (savegame of ${originOf(from)})${ending}`;
   });
 }

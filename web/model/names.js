@@ -22,12 +22,13 @@ export function withoutAdditions(stem) {
 export function readDiscName(path) {
   const [, folder = "", name = ""] = /^(.*\/)?(.*?)(?:\.[^.]*)?$/s.exec(path.toLowerCase()) ?? [];
   const stem = withoutAdditions(name);
+  const additions = name.slice(stem.length); // a copy belongs to other copies
   const numbers = [...stem.matchAll(/(dis[ck]|side|^|\D)[\s_.-]*([1-9])(?!\d)/g)];
   const after = (/** @type {RegExp} */ word) => numbers.find(([text]) => word.test(text));
   const best = after(/^dis[ck]/) ?? after(/^side/) ?? numbers.at(-1);
   if (!best) return { series: path.toLowerCase() };
   const at = best.index + best[0].length - 1;
-  return { number: Number(best[2]), series: `${folder}${stem.slice(0, at)}#${stem.slice(at + 1)}` };
+  return { number: Number(best[2]), series: `${folder}${stem.slice(0, at)}#${stem.slice(at + 1)}${additions}` };
 }
 
 /** @param {string} path */
@@ -65,7 +66,7 @@ export function insertBeforeExtension(name, addition) {
  * @returns {Map<string, string>} the short one of each
  */
 export function shortenTitles(titles) {
-  const limit = 40; // characters
+  const limit = 64; // characters
   const folders = titles.map((title) => title.split("/").slice(0, -1));
   const [first = []] = folders;
   const others = first.findIndex((name, depth) => folders.some((folder) => folder[depth] !== name));

@@ -52,7 +52,7 @@ export function hasTwin(files, file) {
  * @param {FileFacts} file
  * @returns {DiscNumber | "unknown" | "other"}
  */
-function suggestedNumber({ path, contents }) {
+export function suggestedNumber({ path, contents }) {
   const { number } = readDiscName(path);
   if (number === 2 || number === 3) return number;
   const hasSavegame = contents.kind === "floppy" && contents.disc.state !== "none";
@@ -119,7 +119,8 @@ export function guessPairs(files, pairs, batch, added) {
   matchNames(findCandidates())
     .filter((discs) => !discs.some((file) => hasTwin(files, file)))
     .forEach((discs) => add(discs, "names"));
-  const inOrder = matchOrder(findCandidates());
+  const isWaiting = pairs.some((pair) => !pair[2] || !pair[3]); // maybe for one of them
+  const inOrder = isWaiting ? undefined : matchOrder(findCandidates());
   if (inOrder) add(inOrder, "order");
   return guessed;
 }

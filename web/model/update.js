@@ -348,6 +348,7 @@ function withFlags(state) {
  * @returns {State}
  */
 function flagsRead(state, { job, key, ...read }) {
+  if (!state.jobs.some(({ id }) => id === job)) return state;
   const flagReports = state.flagReports.map((report) =>
     report.key === key ? { ...report, isReading: false, ...read } : report,
   );
@@ -364,9 +365,8 @@ function flagsRead(state, { job, key, ...read }) {
 function jobFailed(state, { job: id, error }) {
   const job = state.jobs.find((other) => other.id === id);
   if (!job) return state;
-  const ended = withoutJob(state, id);
-  if (job.kind !== "readFlags") return withNotice(ended, { kind: "failed", error });
-  return flagsRead(ended, { job: id, key: job.key, output: error, missing: [] });
+  if (job.kind !== "readFlags") return withNotice(withoutJob(state, id), { kind: "failed", error });
+  return flagsRead(state, { job: id, key: job.key, output: error, missing: [] });
 }
 
 /** What each event does. "Chosen" and "Asked" are the person's, the others are those of the page's work. */

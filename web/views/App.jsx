@@ -22,6 +22,7 @@ import { Report } from "./Report.jsx";
  * @property {() => void} giveExamples
  * @property {(index: number) => void} save a file of the result
  * @property {() => void} saveAll
+ * @property {() => void} startOver
  */
 
 /** @param {{hasFiles: boolean, effects: Effects}} props */
@@ -103,7 +104,7 @@ export function App({ state, send, effects }) {
           <Notices state={state} send={send} />
         </Part>
         <Part on={[files, pairs, sources]}>
-          <Files state={state} titles={titles} send={send} />
+          <Files state={state} titles={titles} send={send} onStartOver={effects.startOver} />
         </Part>
       </section>
       {hasMedia && (
@@ -115,7 +116,15 @@ export function App({ state, send, effects }) {
             <Move state={state} titles={titles} send={send} />
           </Part>
           <Part on={[result]}>
-            {result && <MadeResult key={result.id} result={result} onSave={effects.save} onSaveAll={effects.saveAll} />}
+            {result && (
+              <MadeResult
+                key={result.id}
+                result={result}
+                titles={titles}
+                onSave={effects.save}
+                onSaveAll={effects.saveAll}
+              />
+            )}
           </Part>
         </section>
       )}

@@ -4,7 +4,7 @@ import { findSameSavegame } from "../model/compare.js";
 import { findMedia, hasSavegame, mediumOfFile, mediumOfPair } from "../model/media.js";
 import { discNumbers } from "../model/pairs.js";
 import { sourceRoles } from "../model/sources.js";
-import { Choice, countOf, formatNumber, formatSize, goTo, joinWords, Short } from "./parts.jsx";
+import { Choice, countOf, formatNumber, formatSize, formatTime, goTo, joinWords, Short } from "./parts.jsx";
 import { Remarks, Summary } from "./savegames.jsx";
 
 /** @import { DiscNumber, FileFacts, Medium, Pair, Place, SourceRole, State } from "../model/types.js" */
@@ -104,7 +104,7 @@ function DiscLine({ state, titles, pair, disc }) {
   const file = state.files.find(({ id }) => id === place?.file);
   if (!file || !place) return <li class="remark">Disc {disc} is missing: please add it, or choose it below.</li>;
   return (
-    <li>
+    <li id={`disc-${file.id}`}>
       Disc {disc}: <Short titles={titles} title={file.title} />{" "}
       <span class="kind">({groundsInWords[place.grounds]})</span>
     </li>
@@ -197,7 +197,7 @@ function MediumCard({ state, titles, file, send }) {
         <RemoveButton files={[file]} send={send} />
       </div>
       <p class="kind">
-        {kind}, {formatSize(file.size)}
+        {kind}, {formatSize(file.size)}, written {formatTime(file.modified)}
       </p>
       <Outdated file={file} />
       {medium && <Contents state={state} titles={titles} medium={medium} send={send} />}
@@ -205,32 +205,54 @@ function MediumCard({ state, titles, file, send }) {
   );
 }
 
+/**
+ * The places that a floppy disc can be put into: the empty ones of pairs, and both of a new pair.
+ *
+ * @param {Common & {file: FileFacts}} props
+ */
+function PlaceButtons({ state, titles, file, send }) {
+  const waiting = state.pairs.flatMap((pair) => {
+    const other = state.files.find(({ id }) => discNumbers.some((disc) => pair[disc]?.file === id));
+    const beside = other && (titles.get(other.title) ?? other.title);
+    return discNumbers.filter((disc) => !pair[disc]).map((disc) => ({ disc, pair: pair.id, beside }));
+  });
+  const places = [...waiting, ...discNumbers.map((disc) => ({ disc, pair: undefined, beside: undefined }))];
+  /** @param {DiscNumber} disc @param {string} [pair] */
+  function choose(disc, pair) {
+    send({ type: "discChosen", file: file.id, pair, disc });
+    const line = document.getElementById(`disc-${file.id}`);
+    /** @type {HTMLElement | null | undefined} */ (line?.closest(".file"))?.focus();
+  }
+  return (
+    <p class="buttons">
+      {places.map(({ disc, pair, beside }) => (
+        <button
+          key={`${pair} ${disc}`}
+          type="button"
+          aria-label={`${file.title} is disc ${disc}${beside ? `, beside ${beside}` : ""}`}
+          onClick={() => choose(disc, pair)}
+        >
+          It is disc {disc}
+          {beside ? `, beside ${beside}` : waiting.length > 0 && " of another pair"}
+        </button>
+      ))}
+    </p>
+  );
+}
+
 /** A floppy disc that is in no pair. @param {Common & {file: FileFacts}} props */
-function FreeFloppy({ titles, file, send }) {
-  const choose = (/** @type {HTMLElement} */ button, /** @type {DiscNumber} */ disc) =>
-    changeAndFocusNext(button, () => send({ type: "discChosen", file: file.id, disc }));
+function FreeFloppy({ file, ...common }) {
   return (
     <li class="card file" tabIndex={-1}>
       <div class="file-head">
         <h3>
-          <Short titles={titles} title={file.title} />
+          <Short titles={common.titles} title={file.title} />
         </h3>
-        <RemoveButton files={[file]} send={send} />
+        <RemoveButton files={[file]} send={common.send} />
       </div>
       <Outdated file={file} />
       {file.contents.kind === "floppy" && <Summary discs={[file.contents.disc]} />}
-      <p class="buttons">
-        {discNumbers.map((disc) => (
-          <button
-            key={disc}
-            type="button"
-            aria-label={`${file.title} is disc ${disc}`}
-            onClick={({ currentTarget }) => choose(currentTarget, disc)}
-          >
-            It is disc {disc}
-          </button>
-        ))}
-      </p>
+      <PlaceButtons file={file} {...common} />
     </li>
   );
 }
@@ -241,11 +263,11 @@ function FreeFloppies({ files, ...common }) {
   const hasPair = common.state.pairs.some((pair) => pair[2] && pair[3]);
   return (
     <details open={!hasPair}>
-      <summary>{countOf(files.length, "floppy disc", "floppy discs")} in no pair</summary>
+      <summary>{countOf(files.length, "other floppy disc", "other floppy discs")}</summary>
       <p class={hasPair ? "kind" : "warning"}>
         {hasPair
-          ? "Not used. If one of them belongs to a pair, choose it there, or say which disc it is."
-          : "The savegame is on disc 2 and disc 3 of the game: add the file of the other disc, or say which disc each one is."}
+          ? "They are not used, unless you say which disc they are."
+          : "The savegame is on disc 2 and disc 3 of the game, and the names do not say which files belong together. Say which disc each one is. If one is missing, add it."}
       </p>
       <ul class="cards">
         {files.map((file) => (
@@ -265,7 +287,9 @@ function Sources({ state, titles, files, send }) {
     send({ type: "roleChosen", file: id, role: /** @type {SourceRole} */ (role) || undefined });
   return (
     <details>
-      <summary>{countOf(files.length, "text", "texts")}: sources of the game, or others</summary>
+      <summary>
+        {countOf(files.length, "text", "texts")}: the game’s source files, which name its flags, or others
+      </summary>
       <ul class="cards">
         {files.map((file) => (
           <li key={file.id} class="line file" tabIndex={-1}>
@@ -308,16 +332,12 @@ function RefusedFiles({ titles, files, isOpen, send }) {
   );
 }
 
-/** What was found, and the way on. @param {{state: State, send: Send}} props */
-function Found({ state, send }) {
-  const { savegames, places, single, refused } = countFound(state);
-  /** Forgets all files. */
-  function startOver() {
-    send({ type: "startedOver" });
-    goTo("files-heading");
-  }
+/** What was found, and the way on. @param {{state: State, onStartOver: () => void}} props */
+function Found({ state, onStartOver }) {
+  const { savegames, different, places, single, refused } = countFound(state);
+  const notes = different < savegames ? ` (${formatNumber(different)} different)` : "";
   const parts = [
-    savegames > 0 && countOf(savegames, "savegame", "savegames"),
+    savegames > 0 && `${countOf(savegames, "savegame", "savegames")}${notes}`,
     places > 0 && `${formatNumber(places)} empty ${places === 1 ? "place" : "places"} for one`,
     single > 0 && countOf(single, "floppy disc without its other disc", "floppy discs without their other disc"),
     refused > 0 && `${countOf(refused, "file", "files")} that cannot be used`,
@@ -333,7 +353,7 @@ function Found({ state, send }) {
             Next: move a savegame
           </button>
         )}
-        <button type="button" class="quiet" onClick={startOver}>
+        <button type="button" class="quiet" onClick={onStartOver}>
           Start over (no file is deleted)
         </button>
       </p>
@@ -341,8 +361,8 @@ function Found({ state, send }) {
   );
 }
 
-/** @param {Common} props */
-export function Files({ state, titles, send }) {
+/** @param {Common & {onStartOver: () => void}} props */
+export function Files({ state, titles, send, onStartOver }) {
   if (state.files.length === 0) return undefined;
   const { media, free, sources, refused } = groupFiles(state);
   const common = { state, titles, send };
@@ -352,7 +372,7 @@ export function Files({ state, titles, send }) {
   };
   return (
     <>
-      <Found state={state} send={send} />
+      <Found state={state} onStartOver={onStartOver} />
       <ul class="cards">{media.map(card)}</ul>
       <FreeFloppies files={free} {...common} />
       <RefusedFiles titles={titles} files={refused} isOpen={media.length + free.length === 0} send={send} />

@@ -1,68 +1,77 @@
 // What a transfer has made: first the buttons to save it, then what to do next and what was compared.
-import { titleOf } from "../model/media.js";
 import { ConcernText } from "./concerns.jsx";
-import { countOf, formatNumber, formatSize } from "./parts.jsx";
+import { countOf, formatNumber, formatSize, shortTitleOf } from "./parts.jsx";
 
 /** @import { Result } from "../model/types.js" */
 
-/** What the comparisons have shown. @param {Result} result */
-function proofsOf({ files, from, into, hasBackup }) {
-  if (!into) {
-    return [`In a copy of ${titleOf(from)} that had another savegame, this file restored the savegame completely.`];
-  }
-  const changes = into.files.map(({ title }, i) => {
-    const { name, size, changedBytes, tailSize } = files[i];
-    const change = `${formatNumber(changedBytes)} of ${formatSize(size)} differ between ${title} and ${name}.`;
+/** @typedef {Result & {fromTitle: string, intoTitle: string}} Titled a result with the short titles of its media */
+
+/** What the comparisons have shown. @param {Titled} result */
+function proofsOf({ files, into, fromTitle, intoTitle, hasBackup }) {
+  if (!into)
+    return [`In a copy of ${fromTitle} that had another savegame, this file restored the savegame completely.`];
+  const changes = files.slice(0, into.files.length).map(({ name, size, changedBytes, tailSize }) => {
+    const change = `${formatNumber(changedBytes)} of the ${formatSize(size)} of “${name}” are new.`;
     const tail = `Its last ${tailSize} bytes, notes about errors of the original disc, are unchanged.`;
     return tailSize > 0 ? `${change} ${tail}` : change;
   });
-  const backup = `The same step shows that “${files.at(-1)?.name}” restores the old savegame completely.`;
   return [
-    `What comes out of the copy is the savegame of ${titleOf(from)}: all 1,024 bytes are equal.`,
+    `What comes out of the copy is the savegame of ${fromTitle}: all 1,024 bytes are equal.`,
     ...changes,
-    `With the old contents put back in its place, the copy equals ${titleOf(into)}: nothing else has changed.`,
-    ...(hasBackup ? [backup] : []),
+    `With the old savegame put back, the copy equals ${intoTitle}: nothing but the savegame has changed.`,
+    ...(hasBackup ? [`The same step shows that “${files.at(-1)?.name}” restores the old savegame completely.`] : []),
   ];
 }
 
-/** @param {Result} result */
-function nextSteps({ files, into, hasBackup }) {
-  if (!into) {
-    return ["Keep the backup. Give it to this page whenever you want to put the savegame back."];
-  }
-  const title = titleOf(into);
-  const hasMore = into.files.length > 1;
+/** @param {Titled} result */
+function nextSteps({ files, into, intoTitle, hasBackup }) {
+  if (!into) return ["Keep the backup. Give it to this page whenever you want to put the savegame back."];
+  const news = into.files.length > 1 ? "files" : "file";
   return [
     "Close the emulator first. When it ends, it may write its own contents over a file.",
-    `In the emulator, use the new ${hasMore ? "files" : "file"} in place of ${title}.`,
+    `In the emulator, choose the new ${news} where ${intoTitle} was chosen until now. Do not copy anything over ${intoTitle}.`,
     hasBackup
-      ? `The old savegame is now in “${files.at(-1)?.name}”, and still in ${title}. Do not delete both, if you may want it back.`
-      : `Keep ${title} until the game has loaded the savegame.`,
+      ? `The old savegame stays in ${intoTitle}, and “${files.at(-1)?.name}” is a backup of it, once you have saved that. Keep at least one of the two. To get it back, use ${intoTitle} again, or give the backup to this page.`
+      : `Keep ${intoTitle} until the game has loaded the savegame.`,
   ];
 }
 
-/** How much is saved. @param {Result} result */
+/**
+ * How much is saved: a heading and a sentence. Each fits in one line, so that the buttons below them stay where they are.
+ *
+ * @param {Result} result
+ */
 function describeSaved({ files, into }) {
   const count = files.filter(({ isSaved }) => isSaved).length;
   const areBothNeeded = (into?.files.length ?? 1) > 1;
   const isAnyMissing = files.slice(0, into?.files.length).some(({ isSaved }) => !isSaved);
-  if (count === files.length) return `Saved: ${countOf(count, "new file is", "new files are")} in your downloads`;
-  if (count === 0) return `Not saved yet: ${countOf(files.length, "new file", "new files")}`;
-  const needed = isAnyMissing && areBothNeeded ? ": both discs are needed" : "";
-  return `${count} of ${files.length} saved${needed}`;
+  if (count === 0) return ["Not saved yet", `${countOf(files.length, "new file is", "new files are")} ready.`];
+  if (count === files.length)
+    return ["Sent to your downloads", `Please look whether ${count === 1 ? "it is" : "all are"} there.`];
+  const isIncomplete = isAnyMissing && areBothNeeded;
+  return [`${count} of ${files.length} saved`, isIncomplete ? "Both discs are needed." : "Not all is saved yet."];
 }
 
-/** @param {{result: Result, onSave: (index: number) => void, onSaveAll: () => void}} props */
-export function MadeResult({ result, onSave, onSaveAll }) {
+/**
+ * @param {{result: Result, titles: Map<string, string>, onSave: (index: number) => void, onSaveAll: () => void}} props
+ */
+export function MadeResult({ result, titles, onSave, onSaveAll }) {
   const { files, from, into, concerns } = result;
+  const titled = {
+    ...result,
+    fromTitle: shortTitleOf(titles, from),
+    intoTitle: into ? shortTitleOf(titles, into) : "",
+  };
   const hasMore = files.length > 1;
   const hasFloppies = from.kind === "pair" || into?.kind === "pair";
+  const [heading, details] = describeSaved(result);
   const order = hasFloppies ? "whether disc 2 and disc 3 are the right ones, and " : "";
   return (
     <div class="success">
       <h3 id="result-heading" tabIndex={-1}>
-        {describeSaved(result)}
+        {heading}
       </h3>
+      <p>{details}</p>
       {hasMore && (
         <button type="button" class="main" onClick={onSaveAll}>
           Save all {files.length} files
@@ -85,13 +94,13 @@ export function MadeResult({ result, onSave, onSaveAll }) {
       ))}
       <h4>What to do next</h4>
       <ol>
-        {nextSteps(result).map((text) => (
+        {nextSteps(titled).map((text) => (
           <li key={text}>{text}</li>
         ))}
       </ol>
       <h4>What was compared</h4>
       <ul>
-        {proofsOf(result).map((text) => (
+        {proofsOf(titled).map((text) => (
           <li key={text}>{text}</li>
         ))}
         <li>Not checked: {order}whether the game loads it.</li>

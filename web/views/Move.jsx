@@ -3,7 +3,7 @@ import { countDifferentBytes } from "../model/compare.js";
 import { findConcerns } from "../model/concerns.js";
 import { findFromOptions, findIntoOptions, findMedium, hasSavegame, isPossible, newDataFile } from "../model/media.js";
 import { ConcernText } from "./concerns.jsx";
-import { joinWords, Warning } from "./parts.jsx";
+import { joinWords, shortTitleOf, Warning } from "./parts.jsx";
 import { describeHolding, Differences, Remarks } from "./savegames.jsx";
 
 /** @import { Concern, Medium, Option, State } from "../model/types.js" */
@@ -18,11 +18,6 @@ const refusals = {
   noSavegameAnywhere: "There is no savegame here: save in the game first.",
   noPlace: "There is no place for a savegame.",
 };
-
-/** @param {Map<string, string>} titles @param {Medium} medium */
-export function shortTitleOf(titles, { files }) {
-  return joinWords(files.map(({ title }) => titles.get(title) ?? title));
-}
 
 /**
  * @param {object} props
@@ -57,10 +52,11 @@ function RadioGroup({ name, legend, gone, options, chosen, onChoose }) {
   );
 }
 
-/** What happens to the savegame in a target. @param {Medium} medium */
-function describeLoss({ savegame }) {
-  if (!hasSavegame(savegame)) return "empty: nothing is replaced";
-  return `has a savegame, which will be replaced: ${describeHolding(savegame)}`;
+/** What happens in a copy of a target. @param {Medium | undefined} from @param {Medium} into */
+function describeLoss(from, into) {
+  if (!hasSavegame(into.savegame)) return "empty: nothing is replaced";
+  if (from && countDifferentBytes(from.savegame, into.savegame) === 0) return "has the same savegame already";
+  return `has a savegame, which is replaced in the copy: ${describeHolding(into.savegame)}`;
 }
 
 /** The savegame that is replaced beside the new one. @param {{titles: Map<string, string>, from: Medium, into: Medium}} props */
@@ -71,8 +67,8 @@ function Replacement({ titles, from, into }) {
   }
   return (
     <div class="warning">
-      <h3>The savegame in {title} will be replaced</h3>
-      <p>It is backed up into a file of its own, which you can save together with the new ones.</p>
+      <h3>In the copy, the savegame of {title} is replaced</h3>
+      <p>It is backed up into a file of its own, which you can save together with the copy.</p>
       <Differences
         caption="The savegame that is replaced, and the new one"
         headings={["Replaced", "New"]}
@@ -162,7 +158,7 @@ export function Move({ state, titles, send }) {
     title: "Only a backup file",
     details: "a new small file, which this page can put back",
   };
-  const images = toRows(findIntoOptions(state), describeLoss);
+  const images = toRows(findIntoOptions(state), (medium) => describeLoss(from, medium));
   const intoRows = from && from.kind !== "data" ? [...images, dataFile] : images;
   return (
     <>

@@ -1,13 +1,8 @@
 // What the person has to know about what has just happened.
-import { formatNumber } from "./parts.jsx";
+import { formatNumber, formatTime } from "./parts.jsx";
 
-/** @import { FileFacts, Notice, State } from "../model/types.js" */
+/** @import { Notice, State } from "../model/types.js" */
 /** @import { Send } from "./App.jsx" */
-
-/** @param {FileFacts} file */
-function dateOf({ modified }) {
-  return new Date(modified).toLocaleString("en", { dateStyle: "medium", timeStyle: "medium" });
-}
 
 /** @param {Notice} notice */
 function textOf(notice) {
@@ -15,7 +10,7 @@ function textOf(notice) {
     case "replaced":
       return notice.old.contents.kind === "refused"
         ? `${notice.file.path} was added again, in place of the one that could not be used.`
-        : `${notice.old.title} of ${dateOf(notice.old)} has changed on the disk. The file of this name that you added now, of ${dateOf(notice.file)}, is in its place. If that is another file, add the first one again, too.`;
+        : `${notice.old.title} of ${formatTime(notice.old.modified)} has changed on the disk. The file of this name that you added now, of ${formatTime(notice.file.modified)}, is in its place. If that is another file, add the first one again, too.`;
     case "nothingGiven":
       return "There are no files in it.";
     case "leftOut":

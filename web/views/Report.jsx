@@ -4,8 +4,7 @@ import { findMedia, findMedium, hasSavegame } from "../model/media.js";
 import { findRows } from "../model/search.js";
 import { findSources, sourceRoles } from "../model/sources.js";
 import { isLikelyUsed, itemName, otherValueNames, valueNames } from "../model/values.js";
-import { shortTitleOf } from "./Move.jsx";
-import { Choice, countOf, formatNumber, Name, ProgramOutput, Table } from "./parts.jsx";
+import { Choice, countOf, formatNumber, Name, ProgramOutput, shortTitleOf, Table } from "./parts.jsx";
 import { Differences, Remarks, Summary } from "./savegames.jsx";
 
 /** @import { Disc, Flag, FlagReport, Medium, Savegame, Slot, State } from "../model/types.js" */
@@ -19,13 +18,13 @@ const discColumns = ["Disc\u00a02", "Disc\u00a03"];
 function ItemTable({ caption, slots, search }) {
   const items = slots.map((slot) => ({ name: itemName(slot), count: slot.count }));
   const rows = findRows(items, search).rows.map(({ name, count }) => [name, count]);
-  if (rows.length === 0) return <p class="kind">{`${caption}: ${search === "" ? "nothing" : "nothing found"}`}</p>;
+  if (rows.length === 0) return search === "" ? <p class="kind">{caption}: nothing</p> : undefined;
   return <Table caption={caption} headings={["Item", "Count"]} rows={rows} />;
 }
 
-/** @param {{summary: string, caption: string, slots: Slot[]}} props */
-function FoldedItems({ summary, caption, slots }) {
-  if (slots.length === 0) return undefined;
+/** Items that do not count, unless somebody searches. @param {{summary: string, caption: string, slots: Slot[], search: string}} props */
+function FoldedItems({ summary, caption, slots, search }) {
+  if (slots.length === 0 || search !== "") return undefined;
   return (
     <details>
       <summary>{summary}</summary>
@@ -47,12 +46,14 @@ function DiscItems({ disc, title, search }) {
         summary={`${countOf(unused.length, "place", "places")} not in use`}
         caption={`${title}: inventory, not in use`}
         slots={unused}
+        search={search}
       />
       <ItemTable caption={`${title}: chest`} slots={chest.filter(isLikelyUsed)} search={search} />
       <FoldedItems
         summary={`${countOf(others.length, "other place", "other places")}, probably empty`}
         caption={`${title}: chest, probably empty`}
         slots={others}
+        search={search}
       />
     </div>
   );
@@ -66,19 +67,23 @@ function SavegameTables({ savegame, title, search }) {
   const headings = ["Value", ...discColumns];
   return (
     <>
-      <Table
-        caption={`Values of ${title}`}
-        headings={headings}
-        rows={[...valueNames].map(([name, text]) => [text, ...row(name)])}
-      />
-      <details>
-        <summary>Values whose meaning is not known</summary>
-        <Table
-          caption={`Other values of ${title}, as the program prints them`}
-          headings={headings}
-          rows={otherValueNames(savegame[0]).map((name) => [<Name text={name} />, ...row(name)])}
-        />
-      </details>
+      {search === "" && (
+        <>
+          <Table
+            caption={`Values of ${title}`}
+            headings={headings}
+            rows={[...valueNames].map(([name, text]) => [text, ...row(name)])}
+          />
+          <details>
+            <summary>Values whose meaning is not known</summary>
+            <Table
+              caption={`Other values of ${title}, as the program prints them`}
+              headings={headings}
+              rows={otherValueNames(savegame[0]).map((name) => [<Name text={name} />, ...row(name)])}
+            />
+          </details>
+        </>
+      )}
       <div class="columns">
         {savegame.map(
           (disc, i) =>
@@ -95,6 +100,7 @@ function SavegameTables({ savegame, title, search }) {
 function FlagTable({ title, flags, headings, search }) {
   const { count, rows } = findRows(flags, search);
   const caption = `${title}: ${formatNumber(count)} of ${formatNumber(flags.length)}`;
+  if (count === 0) return <p class="kind">{caption}</p>;
   return (
     <>
       <Table
@@ -185,6 +191,7 @@ function Comparison({ state, titles, media }) {
         headings={names}
         savegames={[medium.savegame, other.savegame]}
       />
+      <p class="kind">The savegames do not say which of them is the later one.</p>
       {flags && otherFlags && (
         <FlagTable
           title="Flags that differ"

@@ -2,6 +2,7 @@
 import { Component } from "preact";
 
 /** @import { ComponentChildren } from "preact" */
+/** @import { Medium } from "../model/types.js" */
 
 /** @param {number} number */
 export function formatNumber(number) {
@@ -18,9 +19,24 @@ export function countOf(count, one, more) {
   return `${formatNumber(count)} ${count === 1 ? one : more}`;
 }
 
+/** @param {number} time */
+export function formatTime(time) {
+  return new Date(time).toLocaleString("en", { dateStyle: "medium", timeStyle: "short" });
+}
+
 /** @param {string[]} words */
 export function joinWords(words) {
   return words.join(" and ");
+}
+
+/**
+ * The short titles of a medium's files.
+ *
+ * @param {Map<string, string>} titles
+ * @param {Pick<Medium, "files">} medium
+ */
+export function shortTitleOf(titles, { files }) {
+  return joinWords(files.map(({ title }) => titles.get(title) ?? title));
 }
 
 /** Brings a heading into view, and the focus to it. @param {string} id */

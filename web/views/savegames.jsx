@@ -22,7 +22,7 @@ export function describeHolding(discs) {
 
 /** @param {{discs: Disc[]}} props */
 export function Badge({ discs }) {
-  if (!hasSavegame(discs)) return <span class="badge">empty</span>;
+  if (!hasSavegame(discs)) return <span class="badge">no savegame</span>;
   const isDamaged = discs.some(({ state }) => state === "damaged");
   return <span class={`badge ${isDamaged ? "damaged" : "good"}`}>{isDamaged ? "damaged savegame" : "savegame"}</span>;
 }
