@@ -2,6 +2,7 @@
 import { render } from "preact";
 import { exampleFiles, filesOfDrop, filesOfInput, readBytes } from "./files/reading.js";
 import { dataFileName, lastName, uniqueText } from "./model/names.js";
+import { hasUnsaved } from "./model/result.js";
 import { toText } from "./model/report.js";
 import { emptyState, update } from "./model/update.js";
 import { examine, floppySize } from "./program/examine.js";
@@ -24,6 +25,7 @@ const status = /** @type {HTMLElement} */ (document.getElementById("status"));
 /** @type {State} */
 let state = emptyState;
 let isWorking = false;
+let isSavingAll = false;
 let lastFileId = 0;
 /** What the browser gave, and the bytes that it had then, by the ids of files. @type {Map<string, Given & {bytes?: Uint8Array, content?: string}>} */
 const given = new Map();
@@ -44,7 +46,8 @@ function send(action) {
     state = update(state, { type: "givingFailed", error: String(error) });
   }
   show();
-  if (state.result && state.result !== before.result && !before.result) goTo("result-heading");
+  const isTyping = document.activeElement?.matches('[type="search"]');
+  if (state.result && !before.result && !isTyping) goTo("result-heading");
   forgetUnused();
   work();
 }
@@ -66,8 +69,9 @@ async function work() {
     await doJob(job);
   } catch (error) {
     send({ type: "jobFailed", job: job.id, error: error instanceof Error ? error.message : String(error) });
+  } finally {
+    isWorking = false;
   }
-  isWorking = false;
   work();
 }
 
@@ -213,7 +217,7 @@ async function readFlagsOf({ id: job, key, medium, main, included }) {
   const bytesOrNone = (/** @type {FileFacts} */ { id }) => given.get(id)?.bytes ?? new Uint8Array();
   const files = Object.fromEntries([
     ...included.map((file) => [includedPath(file.path), bytesOrNone(file)]).reverse(), // so that the first of a name counts
-    ...main.map((file) => [file.name, bytesOf(file.id)]),
+    ...main.map((file) => [file.name, bytesOrNone(file)]),
   ]);
   const data = await extract(run, imagesOf(medium));
   send({
@@ -251,20 +255,19 @@ function save(index) {
 /** Saves the files one after the other: browsers leave out some that are saved at the same time. */
 async function saveAll() {
   const { result } = state;
-  for (const index of result?.files.keys() ?? []) {
-    if (state.result?.id !== result?.id) return;
+  if (!result || isSavingAll) return;
+  isSavingAll = true;
+  for (const index of result.files.keys()) {
+    if (state.result?.id !== result.id) break;
     save(index);
     await new Promise((resolve) => setTimeout(resolve, 300));
   }
-}
-
-function hasUnsaved() {
-  return state.result?.files.some(({ isSaved }) => !isSaved) ?? false;
+  isSavingAll = false;
 }
 
 /** Forgets all files, unless the person wants to save first. */
 function startOver() {
-  if (hasUnsaved() && !confirm("Not all new files are saved yet. Start over without them?")) return;
+  if (hasUnsaved(state.result) && !confirm("Not all new files are saved yet. Start over without them?")) return;
   send({ type: "startedOver" });
   goTo("files-heading");
 }
@@ -285,7 +288,7 @@ function start() {
     if (event.dataTransfer?.types.includes("Files")) give(filesOfDrop(event.dataTransfer));
   });
   addEventListener("beforeunload", (event) => {
-    if (!hasUnsaved()) return;
+    if (!hasUnsaved(state.result)) return;
     event.preventDefault(); // the browser asks
     event.returnValue = true; // older browsers ask only then
   });

@@ -12,6 +12,11 @@ const fileCountLimit = 200; // of a folder
 const walkLimit = 5000; // files of a folder that are looked at, to choose among them
 const totalSizeLimit = 2 * fileSizeLimit; // in bytes
 
+/** @param {string} path */
+function unreadable(path) {
+  return { file: new File([], lastName(path)), path, isUnreadable: true };
+}
+
 /**
  * The files of a folder, by the handles that Chromium has.
  *
@@ -21,7 +26,10 @@ const totalSizeLimit = 2 * fileSizeLimit; // in bytes
  */
 async function* walkHandle(handle, path) {
   if (handle.kind === "file") {
-    yield { file: await handle.getFile(), path };
+    yield await handle.getFile().then(
+      (/** @type {File} */ file) => ({ file, path }),
+      () => unreadable(path),
+    );
   } else {
     for await (const inner of handle.values()) yield* walkHandle(inner, `${path}/${inner.name}`);
   }
@@ -36,7 +44,12 @@ async function* walkHandle(handle, path) {
  */
 async function* walkEntry(entry, path) {
   if (entry.isFile) {
-    yield { file: await new Promise((resolve, reject) => entry.file(resolve, reject)), path };
+    yield await new Promise((resolve) =>
+      entry.file(
+        (/** @type {File} */ file) => resolve({ file, path }),
+        () => resolve(unreadable(path)),
+      ),
+    );
   } else {
     const reader = entry.createReader();
     const readSome = () => new Promise((resolve, reject) => reader.readEntries(resolve, reject));
@@ -65,8 +78,7 @@ async function readFolder({ file, entry, handle }) {
     }
     return chooseLikely(files);
   } catch {
-    const unreadable = file ?? new File([], entry.name);
-    return { files: [...files, { file: unreadable, path: entry.name, isUnreadable: true }], leftOut: 0 };
+    return { files: [...files, { ...unreadable(entry.name), ...(file && { file }) }], leftOut: 0 };
   }
 }
 

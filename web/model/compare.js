@@ -1,5 +1,5 @@
 // Whether two savegames are the same, and what differs between them.
-import { itemName, isLikelyUsed, otherValueNames, valueNames } from "./values.js";
+import { itemName, isLikelyUsed, valueNames } from "./values.js";
 
 /** @import { Disc, Flag, Medium, Savegame, Slot } from "./types.js" */
 
@@ -36,9 +36,8 @@ function compareDiscs(disc, other) {
   const states = [disc, other].map(({ state }) => ({ none: "none", damaged: "damaged", good: "undamaged" })[state]);
   const state = { title: "Savegame", values: states };
   if (states.includes("none")) return [state];
-  const names = [...valueNames.keys(), ...otherValueNames(disc)];
-  const values = names.map((name) => ({
-    title: valueNames.get(name) ?? name,
+  const values = [...valueNames].map(([name, title]) => ({
+    title,
     values: [disc, other].map(({ fields }) => fields.get(name) ?? ""),
   }));
   const used = (/** @type {Disc} */ { inventory }) => inventory.filter(({ isUsed }) => isUsed);

@@ -32,6 +32,8 @@ function findDoubts(files, medium) {
   const grounds = [pair[2]?.grounds, pair[3]?.grounds];
   const areTogether = discs[0].batch === discs[1].batch;
   if (grounds.includes("order")) return [...contradictions, { kind: "order", medium }];
+  const renewed = discs.find((_, i) => grounds[i] === "anew");
+  if (renewed && !areTogether) return [...contradictions, { kind: "anew", medium, file: renewed }];
   if (grounds.includes("chosen") || areTogether) return contradictions;
   const twin = discs.find((file) => hasTwin(files, file));
   return twin ? [...contradictions, { kind: "twins", medium, file: twin }] : contradictions;

@@ -33,8 +33,8 @@ function toPart(text) {
 function formatTime(time) {
   const date = new Date(time);
   const pad = (/** @type {number} */ number) => String(number).padStart(2, "0");
-  const day = [date.getFullYear(), pad(date.getMonth() + 1), pad(date.getDate())].join("-");
-  return `${day} ${pad(date.getHours())}-${pad(date.getMinutes())}`;
+  const day = [date.getFullYear(), pad(date.getMonth() + 1), pad(date.getDate())];
+  return `${day.join("-")} ${[date.getHours(), date.getMinutes(), date.getSeconds()].map(pad).join("-")}`;
 }
 
 /**
@@ -43,9 +43,10 @@ function formatTime(time) {
  * @param {Medium} medium
  */
 function commonName({ files }) {
-  const [first, other = first] = files.map(({ name }) => withoutAdditions(splitExtension(name).stem));
-  if (first === other) return first;
-  const length = [...first].findIndex((character, i) => character !== other[i]);
+  const [first, other] = files.map(({ name }) => withoutAdditions(splitExtension(name).stem));
+  if (other === undefined) return first;
+  let length = 0;
+  while (length < first.length && first[length] === other[length]) ++length;
   return first.slice(0, length).replace(/[\s([_.-]*(dis[ck]|side)?[\s([_.-]*$/i, "") || first;
 }
 
@@ -57,9 +58,9 @@ function commonName({ files }) {
  */
 function originOf(medium) {
   const { name, modified } = medium.files[0];
-  const backup = /^backup of (.*, money \d+, \d{4}-\d\d-\d\d \d\d-\d\d)/s.exec(name)?.[1];
-  if (backup) return toPart(backup);
-  const money = medium.savegame.find(({ state }) => state !== "none")?.fields.get("money");
+  const backup = /^backup of (.*)(, money \d+, \d{4}-\d\d-\d\d \d\d-\d\d-\d\d)/s.exec(name);
+  if (backup) return toPart(backup[1]) + backup[2];
+  const money = medium.savegame.find(({ state }) => state !== "none")?.fields.get("money") ?? 0;
   return `${toPart(commonName(medium))}, money ${money}, ${formatTime(modified)}`;
 }
 

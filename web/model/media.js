@@ -11,6 +11,16 @@ export function hasSavegame(savegame) {
   return savegame.some(({ state }) => state !== "none");
 }
 
+/** Whether there is nothing that could be lost: all bytes are the same. @param {Savegame} savegame */
+export function isBlank(savegame) {
+  return savegame.every(({ bytes }) => bytes.every((byte) => byte === savegame[0].bytes[0]));
+}
+
+/** @param {Medium} medium */
+export function isOutdated({ files }) {
+  return files.some((file) => file.isOutdated);
+}
+
 /** @param {Medium} medium */
 export function titleOf({ files }) {
   return files.map(({ title }) => title).join(" and ");
@@ -55,6 +65,7 @@ export function findFromOptions(state) {
   const noSavegame = isAnywhere ? "noSavegame" : "noSavegameAnywhere";
   return media.map((medium) => {
     if (medium.isSame) return { ...medium, refusal: "same" };
+    if (isOutdated(medium)) return { ...medium, refusal: "outdated" };
     return hasSavegame(medium.savegame) ? medium : { ...medium, refusal: noSavegame };
   });
 }
@@ -69,6 +80,7 @@ export function findIntoOptions(state) {
   const images = findMedia(state).filter(({ id, kind }) => id !== state.choices.from && kind !== "data");
   return images.map((medium) => {
     if (medium.isSame) return { ...medium, refusal: "same" };
+    if (isOutdated(medium)) return { ...medium, refusal: "outdated" };
     return medium.canTake ? medium : { ...medium, refusal: "noPlace" };
   });
 }

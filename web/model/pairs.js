@@ -151,7 +151,8 @@ export function renewInPairs(pairs, old, file) {
 }
 
 /**
- * Puts a file into a place. If another file is there, both change their places.
+ * Puts a file into a place. The file that was there takes its place if that is in the same pair, or is in no pair then:
+ * nobody has chosen it for another one.
  *
  * @param {Pair[]} pairs
  * @param {string} file
@@ -160,15 +161,22 @@ export function renewInPairs(pairs, old, file) {
  */
 export function placeDisc(pairs, file, pairId, disc) {
   const all = pairs.some(({ id }) => id === pairId) ? pairs : [...pairs, { id: pairId }];
-  const other = all.find(({ id }) => id === pairId)?.[disc]?.file;
+  const target = all.find(({ id }) => id === pairId);
+  const other = target?.[disc]?.file;
   if (other === file) return pairs;
-  const cleared = replaceInPairs(all, file, other === undefined ? undefined : { file: other, grounds: "chosen" });
+  const areTogether = findPlace(all, file)?.pair === target;
+  const cleared = replaceInPairs(all, file, areTogether && other ? { file: other, grounds: "chosen" } : undefined);
   return cleared.map((pair) => (pair.id === pairId ? { ...pair, [disc]: { file, grounds: "chosen" } } : pair));
 }
 
-/** @param {Pair[]} pairs @param {string} pairId */
+/**
+ * Exchanges the discs of a pair. That they belong together is as sure as before.
+ *
+ * @param {Pair[]} pairs
+ * @param {string} pairId
+ */
 export function exchangeDiscs(pairs, pairId) {
-  const chosen = (/** @type {Place | undefined} */ place) =>
-    place && { ...place, grounds: /** @type {const} */ ("chosen") };
-  return pairs.map((pair) => (pair.id === pairId ? { ...pair, 2: chosen(pair[3]), 3: chosen(pair[2]) } : pair));
+  const swap = (/** @type {Place | undefined} */ place) =>
+    place && { ...place, grounds: place.grounds === "chosen" ? place.grounds : /** @type {const} */ ("swapped") };
+  return pairs.map((pair) => (pair.id === pairId ? { ...pair, 2: swap(pair[3]), 3: swap(pair[2]) } : pair));
 }

@@ -53,8 +53,14 @@ function parseDisc(text, bytes) {
   }
   const hasSaved = fields.get("validsavegame") === "$55";
   const state = !hasSaved ? "none" : damagedPages.length > 0 ? "damaged" : "good";
-  const stateLines = scalars.filter((line) => /^(validsavegame|checkSumPage)/.test(line));
-  return { state, stateLines, damagedPages, fields, inventory: parseSlots(inventory), chest: parseSlots(chest), bytes };
+  return {
+    state,
+    damagedPages: hasSaved ? damagedPages : [],
+    fields,
+    inventory: parseSlots(inventory),
+    chest: parseSlots(chest),
+    bytes,
+  };
 }
 
 /**

@@ -9,7 +9,6 @@
  * The savegame of one disc. Its state is "none" if the game has not saved there.
  * @typedef {object} Disc
  * @property {"none" | "damaged" | "good"} state
- * @property {string[]} stateLines the lines of the report that say so
  * @property {number[]} damagedPages those with a wrong checksum
  * @property {Map<string, string>} fields the printed values by name
  * @property {Slot[]} inventory
@@ -53,8 +52,9 @@
 
 /**
  * A place in a pair, with the id of its file, and on what grounds that is there: the names say it, nothing but the order
- * of the names does, the person has chosen it, or it was added anew after it had changed on the disk.
- * @typedef {{file: string, grounds: "names" | "order" | "chosen" | "anew"}} Place
+ * of the names does, the person has chosen it or swapped it with the other one, or it was added anew after it had
+ * changed on the disk.
+ * @typedef {{file: string, grounds: "names" | "order" | "chosen" | "swapped" | "anew"}} Place
  */
 
 /** @typedef {{id: string, 2?: Place, 3?: Place}} Pair disc 2 and disc 3 of one game; a place may be empty */
@@ -72,7 +72,7 @@
  * @property {boolean} isSame both discs have the same contents
  */
 
-/** @typedef {Medium & {refusal?: "same" | "noSavegame" | "noSavegameAnywhere" | "noPlace"}} Option */
+/** @typedef {Medium & {refusal?: "same" | "outdated" | "noSavegame" | "noSavegameAnywhere" | "noPlace"}} Option */
 
 /** @typedef {"from" | "into" | "shown" | "compared"} ChoiceName */
 
@@ -85,7 +85,7 @@
 /**
  * What the person has to agree to before anything is made of these files.
  * @typedef {object} Concern
- * @property {"halfEmpty" | "damaged" | "order" | "contradiction" | "twins"} kind
+ * @property {"halfEmpty" | "damaged" | "order" | "contradiction" | "twins" | "anew"} kind
  * @property {Medium} medium
  * @property {number} [disc]
  * @property {number} [page]

@@ -9,6 +9,8 @@ import {
   findMedia,
   findMedium,
   hasSavegame,
+  isBlank,
+  isOutdated,
   isPossible,
   newDataFile,
   titleOf,
@@ -71,6 +73,7 @@ function withoutJob(state, job) {
  * @param {boolean} isOnlyOne
  */
 function findReplaced(earlier, file, isOnlyOne) {
+  if (file.contents.kind === "refused" && earlier.some(({ contents }) => contents.kind !== "refused")) return undefined;
   const refused = earlier.filter(({ contents }) => contents.kind === "refused");
   if (refused.length === 1) return refused[0];
   const isSure = isOnlyOne && earlier.length === 1 && earlier[0].isOutdated && earlier[0].modified < file.modified;
@@ -186,7 +189,7 @@ function choose(name, findOptions) {
     const option = findOptions(state).find(({ id }) => id === medium);
     if (!always.includes(medium) && !(option && isPossible(option))) return state;
     return {
-      ...state,
+      ...withoutNotices(state, "notMade"),
       choices: { ...state.choices, [name]: medium === "" ? undefined : medium },
       gone: { ...state.gone, [name]: undefined },
     };
@@ -230,7 +233,9 @@ function withoutLostChoices(before, state) {
   const gone = { ...state.gone };
   for (const name of /** @type {const} */ (["from", "into", "shown", "compared"])) {
     const id = choices[name];
-    if (id === undefined || id === newDataFile || findMedium(state, id)) continue;
+    if (id === undefined || id === newDataFile) continue;
+    const present = findMedium(state, id);
+    if (present && !(isOutdated(present) && ["from", "into"].includes(name))) continue;
     choices[name] = undefined;
     const medium = findMedium(before, id);
     gone[name] = medium && titleOf(medium);
@@ -264,7 +269,7 @@ function makeAsked(state) {
   const hasToAgree = concerns.length > 0 && choices.agreed !== keyOf(concerns);
   const isMade = result || jobs.some((job) => job.kind === "make" && isOfChoices(state, job));
   if (!isChosen || hasToAgree || isMade) return state;
-  const backup = into && hasSavegame(into.savegame) ? nameOfBackup(into) : undefined;
+  const backup = into && !isBlank(into.savegame) ? nameOfBackup(into) : undefined;
   const names = into ? { files: namesOfCopies(from, into), backup } : { files: [nameOfBackup(from)] };
   return withJob(withoutNotices(state, "notMade"), { kind: "make", from, into, names, concerns });
 }
@@ -374,7 +379,7 @@ const changes = {
   /** @param {State} state @param {{given: GivenFile[], leftOut: number}} action */
   filesGiven(state, { given, leftOut }) {
     /** @type {State} */
-    let next = { ...state, notices: [], doubles: [] };
+    let next = { ...state, notices: [], doubles: [], gone: { ...state.gone, result: undefined } };
     if (given.length === 0) next = withNotice(next, { kind: "nothingGiven" });
     if (leftOut > 0) next = withNotice(next, { kind: "leftOut", count: leftOut });
     return given.length === 0 ? next : withJob(next, { kind: "examine", given });
@@ -428,7 +433,7 @@ const changes = {
   /** @param {State} state @param {{id: string}} action */
   noticeClosed: (state, { id }) => ({ ...state, notices: state.notices.filter((notice) => notice.id !== id) }),
   /** @param {State} state @param {{text: string}} action */
-  progressMade: (state, { text }) => ({ ...state, progress: text }),
+  progressMade: (state, { text }) => (state.jobs.length > 0 ? { ...state, progress: text } : state),
   /** @param {State} state @param {{entry: LogEntry}} action */
   programRan: (state, { entry }) => ({ ...state, log: [...state.log, entry] }),
 };
@@ -439,6 +444,23 @@ const changes = {
  *   ? {type: Type} & Facts
  *   : {type: Type}}[keyof typeof changes]} Action
  */
+
+/**
+ * The state in which what has not changed is the same object as before: by that the views know what to show anew.
+ *
+ * @param {State} before
+ * @param {State} state
+ * @returns {State}
+ */
+function withSameParts(before, state) {
+  /** @template {"pairs" | "choices" | "gone" | "jobs"} Name @param {Name} name @returns {State[Name]} */
+  function keep(name) {
+    const [old, now] = [before[name], state[name]].map((part) => /** @type {Record<string, unknown>} */ (part));
+    const keys = [...new Set([...Object.keys(old), ...Object.keys(now)])];
+    return keys.every((key) => old[key] === now[key]) ? before[name] : state[name];
+  }
+  return { ...state, pairs: keep("pairs"), choices: keep("choices"), gone: keep("gone"), jobs: keep("jobs") };
+}
 
 /**
  * The state after an event. Afterwards, whatever names files that are no longer what they were is gone.
@@ -455,5 +477,5 @@ export function update(state, action) {
   const chosen = withoutLostResult(state, chooseOnlyPossible(kept));
   const isAgreed = chosen.choices.agreed === keyOf(findConcerns(chosen));
   const agreed = isAgreed ? chosen.choices.agreed : undefined;
-  return withFlags({ ...chosen, choices: { ...chosen.choices, agreed } });
+  return withSameParts(state, withFlags({ ...chosen, choices: { ...chosen.choices, agreed } }));
 }

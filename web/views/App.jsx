@@ -6,7 +6,7 @@ import { Files } from "./Files.jsx";
 import { Log } from "./Log.jsx";
 import { MadeResult } from "./MadeResult.jsx";
 import { Move } from "./Move.jsx";
-import { Notices } from "./Notices.jsx";
+import { Lost, Notices } from "./Notices.jsx";
 import { Part } from "./parts.jsx";
 import { Report } from "./Report.jsx";
 
@@ -103,6 +103,7 @@ export function App({ state, send, effects }) {
         <Part on={[notices, doubles]}>
           <Notices state={state} send={send} />
         </Part>
+        {!hasMedia && <Lost names={gone.result} />}
         <Part on={[files, pairs, sources]}>
           <Files state={state} titles={titles} send={send} onStartOver={effects.startOver} />
         </Part>
@@ -112,9 +113,10 @@ export function App({ state, send, effects }) {
           <h2 id="move-heading" tabIndex={-1}>
             2. Move a savegame
           </h2>
-          <Part on={[files, pairs, choices, gone, notices, jobs]}>
+          <Part on={[files, pairs, choices, gone, notices, jobs, result]}>
             <Move state={state} titles={titles} send={send} />
           </Part>
+          <Lost names={gone.result} />
           <Part on={[result]}>
             {result && (
               <MadeResult

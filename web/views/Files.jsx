@@ -4,8 +4,8 @@ import { findSameSavegame } from "../model/compare.js";
 import { findMedia, hasSavegame, mediumOfFile, mediumOfPair } from "../model/media.js";
 import { discNumbers } from "../model/pairs.js";
 import { sourceRoles } from "../model/sources.js";
-import { Choice, countOf, formatNumber, formatSize, formatTime, goTo, joinWords, Short } from "./parts.jsx";
-import { Remarks, Summary } from "./savegames.jsx";
+import { Choice, countOf, Fold, formatNumber, formatSize, formatTime, goTo, Short, shortTitleOf } from "./parts.jsx";
+import { Damages, Remarks, Summary } from "./savegames.jsx";
 
 /** @import { DiscNumber, FileFacts, Medium, Pair, Place, SourceRole, State } from "../model/types.js" */
 /** @import { Card } from "../model/cards.js" */
@@ -64,8 +64,9 @@ function RemoveButton({ files, send }) {
 /** @type {Record<Place["grounds"], string>} */
 const groundsInWords = {
   names: "a guess from the names",
-  order: "a guess from the order of the names only",
+  order: "a guess: the names do not say it",
   chosen: "as you have chosen",
+  swapped: "as you have swapped them",
   anew: "in place of the file that had changed",
 };
 
@@ -128,15 +129,16 @@ function Contents({ state, titles, medium, send }) {
   return (
     <>
       <Summary discs={medium.savegame} />
+      <Damages savegame={medium.savegame} />
       <Remarks savegame={medium.savegame} />
-      {same && (
-        <p class="kind">
-          The same savegame as in {joinWords(same.files.map(({ title }) => titles.get(title) ?? title))}: all 1,024
-          bytes are equal.
-        </p>
-      )}
+      {same && <p class="kind">The same savegame as in {shortTitleOf(titles, same)}: all 1,024 bytes are equal.</p>}
       {hasSavegame(medium.savegame) && (
-        <button type="button" class="quiet" onClick={() => look(medium.id)}>
+        <button
+          type="button"
+          class="quiet"
+          aria-label={`Look inside ${shortTitleOf(titles, medium)}`}
+          onClick={() => look(medium.id)}
+        >
           Look inside
         </button>
       )}
@@ -168,8 +170,7 @@ function PairCard({ state, titles, pair, send }) {
       {medium?.isSame && (
         <p class="warning">Both discs have the same contents: one of them is the wrong file. Nothing can be moved.</p>
       )}
-      <details open={!medium}>
-        <summary>Change or swap the discs{position && ` of${position.slice(1)}`}</summary>
+      <Fold isOpen={!medium} summary={`Change or swap the discs${position && ` of${position.slice(1)}`}`}>
         <p class="kind">The files themselves do not say which disc they are.</p>
         {discNumbers.map((disc) => (
           <DiscPlace key={disc} state={state} titles={titles} pair={pair} disc={disc} send={send} />
@@ -179,7 +180,7 @@ function PairCard({ state, titles, pair, send }) {
             Swap disc 2 and disc 3
           </button>
         )}
-      </details>
+      </Fold>
     </li>
   );
 }
@@ -187,7 +188,8 @@ function PairCard({ state, titles, pair, send }) {
 /** @param {Common & {file: FileFacts}} props */
 function MediumCard({ state, titles, file, send }) {
   const medium = mediumOfFile(file);
-  const kind = file.contents.kind === "data" ? "Backup of a savegame" : "Memory expansion";
+  const kind = file.contents.kind === "memory" ? "Memory expansion" : "Backup of a savegame";
+  const isEmpty = medium && !hasSavegame(medium.savegame);
   return (
     <li class="card file" tabIndex={-1}>
       <div class="file-head">
@@ -197,7 +199,8 @@ function MediumCard({ state, titles, file, send }) {
         <RemoveButton files={[file]} send={send} />
       </div>
       <p class="kind">
-        {kind}, {formatSize(file.size)}, written {formatTime(file.modified)}
+        {isEmpty && file.contents.kind === "data" ? "A file of the size of a backup" : kind}, {formatSize(file.size)},
+        written {formatTime(file.modified)}
       </p>
       <Outdated file={file} />
       {medium && <Contents state={state} titles={titles} medium={medium} send={send} />}
@@ -229,7 +232,7 @@ function PlaceButtons({ state, titles, file, send }) {
         <button
           key={`${pair} ${disc}`}
           type="button"
-          aria-label={`${file.title} is disc ${disc}${beside ? `, beside ${beside}` : ""}`}
+          aria-label={`It is disc ${disc}${beside ? `, beside ${beside}` : ""}: ${file.title}`}
           onClick={() => choose(disc, pair)}
         >
           It is disc {disc}
@@ -262,8 +265,7 @@ function FreeFloppies({ files, ...common }) {
   if (files.length === 0) return undefined;
   const hasPair = common.state.pairs.some((pair) => pair[2] && pair[3]);
   return (
-    <details open={!hasPair}>
-      <summary>{countOf(files.length, "other floppy disc", "other floppy discs")}</summary>
+    <Fold isOpen={!hasPair} summary={countOf(files.length, "other floppy disc", "other floppy discs")}>
       <p class={hasPair ? "kind" : "warning"}>
         {hasPair
           ? "They are not used, unless you say which disc they are."
@@ -274,7 +276,7 @@ function FreeFloppies({ files, ...common }) {
           <FreeFloppy key={file.id} file={file} {...common} />
         ))}
       </ul>
-    </details>
+    </Fold>
   );
 }
 
@@ -313,8 +315,7 @@ function Sources({ state, titles, files, send }) {
 function RefusedFiles({ titles, files, isOpen, send }) {
   if (files.length === 0) return undefined;
   return (
-    <details open={isOpen}>
-      <summary>{countOf(files.length, "file", "files")} that cannot be used</summary>
+    <Fold isOpen={isOpen} summary={`${countOf(files.length, "file", "files")} that cannot be used`}>
       <ul class="cards">
         {files.map((file) => (
           <li key={file.id} class="line file" tabIndex={-1}>
@@ -328,14 +329,20 @@ function RefusedFiles({ titles, files, isOpen, send }) {
           </li>
         ))}
       </ul>
-    </details>
+    </Fold>
   );
+}
+
+/** @param {number} savegames @param {number} different how many of them */
+function describeSame(savegames, different) {
+  if (different === savegames) return "";
+  return different === 1 ? " (all the same)" : ` (${formatNumber(different)} different ones)`;
 }
 
 /** What was found, and the way on. @param {{state: State, onStartOver: () => void}} props */
 function Found({ state, onStartOver }) {
   const { savegames, different, places, single, refused } = countFound(state);
-  const notes = different < savegames ? ` (${formatNumber(different)} different)` : "";
+  const notes = describeSame(savegames, different);
   const parts = [
     savegames > 0 && `${countOf(savegames, "savegame", "savegames")}${notes}`,
     places > 0 && `${formatNumber(places)} empty ${places === 1 ? "place" : "places"} for one`,

@@ -1,4 +1,5 @@
 // What a transfer has made: first the buttons to save it, then what to do next and what was compared.
+import { countSaved, isHalfSaved } from "../model/result.js";
 import { ConcernText } from "./concerns.jsx";
 import { countOf, formatNumber, formatSize, shortTitleOf } from "./parts.jsx";
 
@@ -41,15 +42,17 @@ function nextSteps({ files, into, intoTitle, hasBackup }) {
  *
  * @param {Result} result
  */
-function describeSaved({ files, into }) {
-  const count = files.filter(({ isSaved }) => isSaved).length;
-  const areBothNeeded = (into?.files.length ?? 1) > 1;
-  const isAnyMissing = files.slice(0, into?.files.length).some(({ isSaved }) => !isSaved);
+function describeSaved(result) {
+  const { files } = result;
+  const count = countSaved(result);
   if (count === 0) return ["Not saved yet", `${countOf(files.length, "new file is", "new files are")} ready.`];
-  if (count === files.length)
-    return ["Sent to your downloads", `Please look whether ${count === 1 ? "it is" : "all are"} there.`];
-  const isIncomplete = isAnyMissing && areBothNeeded;
-  return [`${count} of ${files.length} saved`, isIncomplete ? "Both discs are needed." : "Not all is saved yet."];
+  if (count < files.length) {
+    return [
+      `${count} of ${files.length} saved`,
+      isHalfSaved(result) ? "Both discs are needed." : "Not all is saved yet.",
+    ];
+  }
+  return ["Sent to your downloads", `Please look whether ${count === 1 ? "it is" : "all are"} there.`];
 }
 
 /**

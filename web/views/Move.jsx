@@ -1,9 +1,17 @@
 // From where a savegame is moved, and into what; what will be lost; what has to be agreed to; and the button.
 import { countDifferentBytes } from "../model/compare.js";
 import { findConcerns } from "../model/concerns.js";
-import { findFromOptions, findIntoOptions, findMedium, hasSavegame, isPossible, newDataFile } from "../model/media.js";
+import {
+  findFromOptions,
+  findIntoOptions,
+  findMedium,
+  hasSavegame,
+  isBlank,
+  isPossible,
+  newDataFile,
+} from "../model/media.js";
 import { ConcernText } from "./concerns.jsx";
-import { joinWords, shortTitleOf, Warning } from "./parts.jsx";
+import { goTo, joinWords, shortTitleOf, Warning } from "./parts.jsx";
 import { describeHolding, Differences, Remarks } from "./savegames.jsx";
 
 /** @import { Concern, Medium, Option, State } from "../model/types.js" */
@@ -14,6 +22,7 @@ import { describeHolding, Differences, Remarks } from "./savegames.jsx";
 /** @type {Record<NonNullable<Option["refusal"]>, string>} */
 const refusals = {
   same: "Both discs have the same contents.",
+  outdated: "It has changed on the disk: add it again.",
   noSavegame: "It has no savegame.",
   noSavegameAnywhere: "There is no savegame here: save in the game first.",
   noPlace: "There is no place for a savegame.",
@@ -54,7 +63,8 @@ function RadioGroup({ name, legend, gone, options, chosen, onChoose }) {
 
 /** What happens in a copy of a target. @param {Medium | undefined} from @param {Medium} into */
 function describeLoss(from, into) {
-  if (!hasSavegame(into.savegame)) return "empty: nothing is replaced";
+  if (isBlank(into.savegame)) return "empty: nothing is replaced";
+  if (!hasSavegame(into.savegame)) return "no savegame, but something else in its place, which is replaced in the copy";
   if (from && countDifferentBytes(from.savegame, into.savegame) === 0) return "has the same savegame already";
   return `has a savegame, which is replaced in the copy: ${describeHolding(into.savegame)}`;
 }
@@ -109,33 +119,48 @@ function LastStep({ state, titles, from, into, send }) {
   const concerns = findConcerns(state);
   const isReady = concerns.length === 0 || state.choices.agreed !== undefined;
   const isWorking = state.jobs.some(({ kind }) => kind === "make");
-  const isReplacing = into && hasSavegame(into.savegame);
+  const isReplacing = into && !isBlank(into.savegame);
   const text = into
     ? `Put the savegame into a copy of ${shortTitleOf(titles, into)}`
     : `Make a backup of the savegame in ${shortTitleOf(titles, from)}`;
-  const failures = state.notices.filter((notice) => notice.kind === "notMade");
   return (
     <>
       {isReplacing && <Replacement titles={titles} from={from} into={into} />}
-      {[from, into].map((medium) => medium?.kind === "pair" && <Remarks key={medium.id} savegame={medium.savegame} />)}
+      {[from, into].map(
+        (medium) =>
+          medium?.kind === "pair" && (
+            <Remarks key={medium.id} savegame={medium.savegame} title={shortTitleOf(titles, medium)} />
+          ),
+      )}
       {concerns.length > 0 && <Agreement state={state} concerns={concerns} send={send} />}
       <p class="buttons">
-        <button type="button" class="main" disabled={!isReady || isWorking} onClick={() => send({ type: "makeAsked" })}>
-          {text}
-          {isReplacing && ", and back up the old one"}
-        </button>
+        {state.result ? (
+          <button type="button" onClick={() => goTo("result-heading")}>
+            Show the new files
+          </button>
+        ) : (
+          <button type="button" class="main" disabled={!isReady} onClick={() => send({ type: "makeAsked" })}>
+            {text}
+            {isReplacing && ", and back up the old one"}
+          </button>
+        )}
         {isWorking && <span class="kind">Making and comparing …</span>}
       </p>
-      {failures.map(({ id, error, outdated }) => (
-        <Warning key={id}>
-          That did not work, and nothing was made.{" "}
-          {outdated.length > 0
-            ? `${joinWords(outdated.map(({ title }) => title))} has changed since you added it. Close the emulator, and add the file again.`
-            : error}
-        </Warning>
-      ))}
     </>
   );
+}
+
+/** Why nothing was made. @param {{state: State}} props */
+function Failures({ state }) {
+  const failures = state.notices.filter((notice) => notice.kind === "notMade");
+  return failures.map(({ id, error, outdated }) => (
+    <Warning key={id}>
+      That did not work, and nothing was made.{" "}
+      {outdated.length > 0
+        ? `Changed since you added it: ${joinWords(outdated.map(({ title }) => title))}. Close the emulator, and add the file again.`
+        : error}
+    </Warning>
+  ));
 }
 
 /** @param {Common} props */
@@ -184,14 +209,10 @@ export function Move({ state, titles, send }) {
         />
       )}
       {from && intoRows.length > 0 && choices.into === undefined && <p>Choose where it shall go.</p>}
-      {gone.result && (
-        <p class="note" role="status">
-          No longer offered: {gone.result}. The files or the choices that it was made of have changed.
-        </p>
-      )}
       {from && choices.into !== undefined && (
         <LastStep state={state} titles={titles} from={from} into={into} send={send} />
       )}
+      <Failures state={state} />
     </>
   );
 }

@@ -1,8 +1,20 @@
 // What the person has to know about what has just happened.
-import { formatNumber, formatTime } from "./parts.jsx";
+import { formatNumber, formatTime, goTo } from "./parts.jsx";
 
 /** @import { Notice, State } from "../model/types.js" */
+/** @import { Action } from "../model/update.js" */
 /** @import { Send } from "./App.jsx" */
+
+/** What was made, and is gone. @param {{names?: string}} props */
+export function Lost({ names }) {
+  return (
+    <div role="status">
+      {names && (
+        <p class="note">No longer offered: {names}. The files or the choices that it was made of have changed.</p>
+      )}
+    </div>
+  );
+}
 
 /** @param {Notice} notice */
 function textOf(notice) {
@@ -27,6 +39,11 @@ function textOf(notice) {
 /** @param {{state: State, send: Send}} props */
 export function Notices({ state, send }) {
   const { notices, doubles } = state;
+  /** Does something after which its button is gone. @param {Action} action */
+  function act(action) {
+    send(action);
+    goTo("files-heading");
+  }
   const shown = notices.flatMap((notice) => ({ id: notice.id, text: textOf(notice) }));
   return (
     <div role="status">
@@ -35,7 +52,7 @@ export function Notices({ state, send }) {
         .map(({ id, text }) => (
           <div key={id} class="note">
             {text}{" "}
-            <button type="button" class="quiet" onClick={() => send({ type: "noticeClosed", id })}>
+            <button type="button" class="quiet" onClick={() => act({ type: "noticeClosed", id })}>
               Close
             </button>
           </div>
@@ -43,7 +60,7 @@ export function Notices({ state, send }) {
       {doubles.length > 0 && (
         <div class="note">
           In the list already, with the same date and contents: {doubles.map(({ path }) => path).join(", ")}.{" "}
-          <button type="button" onClick={() => send({ type: "doublesAdded" })}>
+          <button type="button" onClick={() => act({ type: "doublesAdded" })}>
             Add all the same
           </button>
         </div>

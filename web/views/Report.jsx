@@ -5,7 +5,7 @@ import { findRows } from "../model/search.js";
 import { findSources, sourceRoles } from "../model/sources.js";
 import { isLikelyUsed, itemName, otherValueNames, valueNames } from "../model/values.js";
 import { Choice, countOf, formatNumber, Name, ProgramOutput, shortTitleOf, Table } from "./parts.jsx";
-import { Differences, Remarks, Summary } from "./savegames.jsx";
+import { Damages, Differences, Remarks, Summary } from "./savegames.jsx";
 
 /** @import { Disc, Flag, FlagReport, Medium, Savegame, Slot, State } from "../model/types.js" */
 /** @import { Send } from "./App.jsx" */
@@ -18,18 +18,26 @@ const discColumns = ["Disc\u00a02", "Disc\u00a03"];
 function ItemTable({ caption, slots, search }) {
   const items = slots.map((slot) => ({ name: itemName(slot), count: slot.count }));
   const rows = findRows(items, search).rows.map(({ name, count }) => [name, count]);
-  if (rows.length === 0) return search === "" ? <p class="kind">{caption}: nothing</p> : undefined;
+  if (rows.length === 0) return <p class="kind">{`${caption}: ${search === "" ? "nothing" : "nothing found"}`}</p>;
   return <Table caption={caption} headings={["Item", "Count"]} rows={rows} />;
 }
 
-/** Items that do not count, unless somebody searches. @param {{summary: string, caption: string, slots: Slot[], search: string}} props */
+/**
+ * Items that do not count. They are found, too.
+ *
+ * @param {{summary: string, caption: string, slots: Slot[], search: string}} props
+ */
 function FoldedItems({ summary, caption, slots, search }) {
-  if (slots.length === 0 || search !== "") return undefined;
+  if (slots.length === 0) return undefined;
+  const isSearching = search !== "";
   return (
-    <details>
-      <summary>{summary}</summary>
-      <ItemTable caption={caption} slots={slots} search="" />
-    </details>
+    <>
+      <details hidden={isSearching}>
+        <summary>{summary}</summary>
+        <ItemTable caption={caption} slots={slots} search="" />
+      </details>
+      {isSearching && <ItemTable caption={caption} slots={slots} search={search} />}
+    </>
   );
 }
 
@@ -67,23 +75,21 @@ function SavegameTables({ savegame, title, search }) {
   const headings = ["Value", ...discColumns];
   return (
     <>
-      {search === "" && (
-        <>
+      <div hidden={search !== ""}>
+        <Table
+          caption={`Values of ${title}`}
+          headings={headings}
+          rows={[...valueNames].map(([name, text]) => [text, ...row(name)])}
+        />
+        <details>
+          <summary>Values whose meaning is not known</summary>
           <Table
-            caption={`Values of ${title}`}
+            caption={`Other values of ${title}, as the program prints them`}
             headings={headings}
-            rows={[...valueNames].map(([name, text]) => [text, ...row(name)])}
+            rows={otherValueNames(savegame[0]).map((name) => [<Name text={name} />, ...row(name)])}
           />
-          <details>
-            <summary>Values whose meaning is not known</summary>
-            <Table
-              caption={`Other values of ${title}, as the program prints them`}
-              headings={headings}
-              rows={otherValueNames(savegame[0]).map((name) => [<Name text={name} />, ...row(name)])}
-            />
-          </details>
-        </>
-      )}
+        </details>
+      </div>
       <div class="columns">
         {savegame.map(
           (disc, i) =>
@@ -251,6 +257,7 @@ export function Report({ state, titles, send }) {
         <>
           <h3>{title}</h3>
           <Summary discs={medium.savegame} />
+          <Damages savegame={medium.savegame} />
           <Remarks savegame={medium.savegame} />
           <SavegameTables savegame={medium.savegame} title={title} search={search} />
           <FlagTables state={state} titles={titles} medium={medium} send={send} />

@@ -13,7 +13,8 @@ export function ConcernText({ concern }) {
   const texts = {
     halfEmpty: `Only disc ${5 - disc} has a savegame; disc ${disc} has none (${title}).`,
     damaged: `Disc ${disc}: ${pageNames[page]} is damaged (${title}). Moving does not repair it.`,
-    order: `Nothing says whether ${disc2} or ${disc3} is disc 2. ${wrongOrder}`,
+    order: `The names do not say for sure whether ${disc2} or ${disc3} is disc 2. ${wrongOrder}`,
+    anew: `${file?.title} has changed on the disk, and was added anew in its place. If it is of another savegame than the other disc, the game gets halves of two savegames.`,
     contradiction: `${file?.title} is used as disc ${disc}, but its name says ${said}. ${wrongOrder}`,
     twins: `There is another file with a name like ${file?.title}, so the names do not say whether ${disc2} and ${disc3} belong together. If they do not, the game gets halves of two savegames.`,
   };

@@ -1,5 +1,6 @@
 // Small parts that the views share.
 import { Component } from "preact";
+import { useState } from "preact/hooks";
 
 /** @import { ComponentChildren } from "preact" */
 /** @import { Medium } from "../model/types.js" */
@@ -149,6 +150,21 @@ export function Choice({ label, name, options, value, onChoose }) {
         ))}
       </select>
     </label>
+  );
+}
+
+/**
+ * A part that can be folded. Only the person opens or closes it, once it is there.
+ *
+ * @param {{summary: string, isOpen: boolean, children: ComponentChildren}} props
+ */
+export function Fold({ summary, isOpen, children }) {
+  const [wasOpen] = useState(isOpen);
+  return (
+    <details open={wasOpen}>
+      <summary>{summary}</summary>
+      {children}
+    </details>
   );
 }
 

@@ -21,7 +21,7 @@ export function describeHolding(discs) {
 }
 
 /** @param {{discs: Disc[]}} props */
-export function Badge({ discs }) {
+function Badge({ discs }) {
   if (!hasSavegame(discs)) return <span class="badge">no savegame</span>;
   const isDamaged = discs.some(({ state }) => state === "damaged");
   return <span class={`badge ${isDamaged ? "damaged" : "good"}`}>{isDamaged ? "damaged savegame" : "savegame"}</span>;
@@ -39,23 +39,26 @@ export function Summary({ discs }) {
   );
 }
 
-/** What is damaged, and what differs between disc 2 and disc 3. @param {{savegame: Savegame}} props */
-export function Remarks({ savegame }) {
+/** What is damaged. @param {{savegame: Savegame}} props */
+export function Damages({ savegame }) {
   const damages = savegame.flatMap(({ damagedPages }, i) =>
-    damagedPages.map((page) => `On disc ${i + 2}, ${pageNames[page]} is damaged: its checksum is wrong.`),
+    damagedPages.map((page) => `On disc ${i + 2}, ${pageNames[page]} is damaged: its check digit (checksum) is wrong.`),
   );
-  const remarks = findRemarks(savegame).map(({ title, values }) => `${title} (${values.join(" and ")})`);
+  return damages.map((text) => (
+    <p key={text} class="remark">
+      {text}
+    </p>
+  ));
+}
+
+/** What differs between disc 2 and disc 3, with a title in front. @param {{savegame: Savegame, title?: string}} props */
+export function Remarks({ savegame, title }) {
+  const remarks = findRemarks(savegame).map((remark) => `${remark.title} (${remark.values.join(" and ")})`);
+  if (remarks.length === 0) return undefined;
   return (
-    <>
-      {damages.map((text) => (
-        <p key={text} class="remark">
-          {text}
-        </p>
-      ))}
-      {remarks.length > 0 && (
-        <p class="remark">Disc 2 and disc 3 differ in {remarks.join(", ")}. Are they of the same savegame?</p>
-      )}
-    </>
+    <p class="remark">
+      {title && `${title}: `}Disc 2 and disc 3 differ in {remarks.join(", ")}. Are they of the same savegame?
+    </p>
   );
 }
 
@@ -70,7 +73,8 @@ export function Differences({ savegames, headings, caption }) {
   if (count === 0) return <p>Both savegames are the same: all 1,024 bytes are equal.</p>;
   const differences = compareSavegames(savegame, other);
   const bytes = `${formatNumber(count)} of 1,024 bytes differ.`;
-  if (differences.length === 0) return <p>{bytes} They are flags, or bytes that nobody can explain.</p>;
+  if (differences.length === 0)
+    return <p>{bytes} They are flags, the order of items, or bytes that nobody can explain.</p>;
   const rows = differences.slice(0, differenceLimit).map(({ title, values }) => [title, ...values]);
   return (
     <>

@@ -13,5 +13,5 @@ test("savegames come first, then places for one, free images, sources, and what 
     ["pair", "my.dat", "new.reu"],
   );
   assert.deepEqual([free, sources, refused].map(titlesOf), [["b/disc2.d64"], ["flags.asm"], ["cut.d64"]]);
-  assert.deepEqual(countFound(state), { savegames: 2, different: 1, places: 1, single: 1, refused: 1 });
+  assert.deepEqual(countFound(state), { savegames: 2, different: 2, places: 1, single: 1, refused: 1 });
 });

@@ -53,3 +53,17 @@ test("images that a savegame goes into have no concerns but those about their or
     assert.deepEqual(concernsOf(stateAfter(added("my.dat", ...files), fromChosen("my.dat"))), concerns);
   }
 });
+
+test("discs of which nobody said that they belong together have to be agreed to", () => {
+  const pair = added("disc2.d64", "disc3.d64");
+  const twins = steps.addedSingly("disc2.d64", "disc3.d64", "disc3.d64");
+  const cases = [
+    { after: [pair, addedAnew("disc3.d64")], concerns: ["anew disc3.d64"] },
+    { after: [twins, discsExchanged("disc2.d64"), discsExchanged("disc3.d64")], concerns: ["twins disc3.d64"] },
+  ];
+  for (const { after, concerns } of cases) {
+    const state = stateAfter(...after);
+    const chosen = stateAfter(state, fromChosen(steps.nameOf(findMedia(state)[0])), steps.intoChosen("data"));
+    assert.deepEqual(concernsOf(chosen), concerns);
+  }
+});

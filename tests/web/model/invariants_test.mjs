@@ -27,6 +27,10 @@ function isThere(state, medium) {
   return state.pairs.some((pair) => pair[2]?.file === first && pair[3]?.file === second);
 }
 
+function isOutdated(state, medium) {
+  return state.files.some((file) => file.isOutdated && medium.split("+").includes(file.id));
+}
+
 // Each of these returns what is wrong, if anything is. `replaced` has the ids of files that others replace, which the page
 // says.
 
@@ -93,7 +97,8 @@ function choicesStay({ before, action, after }) {
     if (now === old) continue;
     if (!old && before.gone[name]) return `${name} was chosen, although that is left to the person`;
     if (old && now) return `${name} changed, although nobody chose`;
-    if (old && old !== "data" && isThere(after, old)) return `${name} is gone, although its files are there`;
+    const isUsable = old && old !== "data" && isThere(after, old) && !isOutdated(after, old);
+    if (isUsable) return `${name} is gone, although its files are there`;
     if (old && old !== "data" && !after.gone[name]) return `${name} is gone, and the page does not say so`;
   }
   if (after.choices.from && after.choices.from === after.choices.into) return "from and into are the same";
@@ -127,7 +132,8 @@ function failuresAreAlone({ before, action, after }) {
   if (action.job && !job && after !== before) return "a late answer changed something";
   if (job && after.jobs.some(({ id }) => id === job.id)) return "a job that has ended goes on";
   if (!job || !["jobFailed", "makingFailed"].includes(action.type)) return undefined;
-  for (const part of ["pairs", "sources", "choices", "gone", "result"]) {
+  const hasFoundChanges = action.outdated?.length > 0; // on the disk, so that choices are gone
+  for (const part of hasFoundChanges ? ["pairs", "sources"] : ["pairs", "sources", "choices", "gone", "result"]) {
     if (!isDeepStrictEqual(after[part], before[part])) return `a failure has changed ${part}`;
   }
   const isSaid = after.notices.length > before.notices.length || job.kind === "readFlags";

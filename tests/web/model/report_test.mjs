@@ -25,9 +25,6 @@ test("the values and items of both discs are read from what the program prints",
   ];
   for (const { slot, inWords } of cases) assert.equal(slotInWords(slot), inWords);
   assert.deepEqual([disc2.bytes, disc3.bytes], [savegame.slice(0, 512), savegame.slice(512)]);
-  const [mark, ...checksums] = disc2.stateLines;
-  assert.equal(mark, "validsavegame:<$55> should be $55");
-  assert.deepEqual(checksums, ["checkSumPage1:c1 valid:true", "checkSumPage0:11 valid:true"]);
 });
 
 test("the state of a disc's savegame is that of its mark and of its two checksums", async () => {
@@ -37,7 +34,7 @@ test("the state of a disc's savegame is that of its mark and of its two checksum
     { data: changed(savegame, 0, 0), states: "damaged 0, good" },
     { data: changed(savegame, 512 + 346, 99), states: "good, damaged 1" },
     { data: changed(changed(savegame, 512, 99), 512 + 256, 99), states: "good, damaged 1 0" },
-    { data: changed(savegame, 356, 0x54), states: "none 1, good" },
+    { data: changed(savegame, 356, 0x54), states: "none, good" },
   ];
   const inWords = ({ state, damagedPages }) => [state, ...damagedPages].join(" ");
   for (const { data, states } of cases) assert.equal((await inspect(data)).map(inWords).join(", "), states);

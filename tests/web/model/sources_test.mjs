@@ -24,10 +24,10 @@ test("the main sources are those with the names of the game's files, or those th
   assert.deepEqual(sourcesAfter(before, roleChosen(globals, undefined)), without);
 });
 
-test("a source that is removed, or is no text any more when it is added anew, has its role no longer", () => {
+test("a source that is removed has its role no longer, and one that cannot be used replaces none", () => {
   const before = stateAfter(added(flags, ids, globals));
   assert.deepEqual(sourcesAfter(before, removed(flags)).main, [undefined, ids, globals]);
   assert.deepEqual(sourcesAfter(before, addedAnew(flags)).main, [flags, ids, globals]);
   const noText = file(flags, { refused: "unknown", modified: 2 });
-  assert.deepEqual(sourcesAfter(before, addedAnew(flags, noText)).main, [undefined, ids, globals]);
+  assert.deepEqual(sourcesAfter(before, addedAnew(flags, noText)).main, [flags, ids, globals]);
 });

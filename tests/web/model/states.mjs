@@ -4,12 +4,10 @@ import { emptyState, update } from "../../../web/model/update.js";
 
 let lastId = 0;
 
-function contentsOf(path, { holds, canTake, refused }) {
+function contentsOf(path, { holds, canTake = true, refused, content }) {
   const words = holds.split(" "); // one for both discs, or one for each
-  const disc = (word) => ({
-    ...{ state: word, damagedPages: word === "damaged" ? [1] : [] },
-    ...{ fields: new Map([["money", "40"]]), bytes: [0] },
-  });
+  const fields = new Map([["money", "40"]]);
+  const disc = (state) => ({ state, damagedPages: state === "damaged" ? [1] : [], fields, bytes: [content] });
   const savegame = [disc(words[0]), disc(words.at(-1))];
   if (refused) return { kind: "refused", reason: refused };
   if (path.endsWith(".d64")) return { kind: "floppy", disc: savegame[0], tailSize: 0 };
@@ -18,11 +16,10 @@ function contentsOf(path, { holds, canTake, refused }) {
 }
 
 /** An examined file. What its discs hold is "good", "none" or "damaged"; in a memory image it is "none", if not said. */
-export function file(path, { holds, canTake = true, refused, content, modified = 1, size = 512 } = {}) {
+export function file(path, { modified = 1, size = 512, ...others } = {}) {
   const id = `file${++lastId}`;
-  const held = holds ?? (path.endsWith(".reu") ? "none" : "good");
-  const contents = contentsOf(path, { holds: held, canTake, refused });
-  return { id, path, size, modified, content: content ?? `content of ${id}`, contents };
+  const facts = { holds: path.endsWith(".reu") ? "none" : "good", content: `content of ${id}`, ...others };
+  return { id, path, size, modified, content: facts.content, contents: contentsOf(path, facts) };
 }
 
 /** The state after steps, from an empty page or, if the first one is a state, from there. */

@@ -53,9 +53,9 @@ test("the grounds for a place are what the person did with it, and no more", () 
   const groundsAfter = (...parts) => [2, 3].map((disc) => stateAfter(...parts).pairs[0][disc]?.grounds);
   assert.deepEqual(groundsAfter(before), ["names", "names"]);
   assert.deepEqual(groundsAfter(before, steps.discChosen("other.d64", 3, "disc2.d64")), ["names", "chosen"]);
-  assert.deepEqual(groundsAfter(twice), ["chosen", "chosen"]);
-  assert.deepEqual(groundsAfter(twice, addedAnew("disc3.d64")), ["chosen", "anew"]);
-  assert.deepEqual(groundsAfter(twice, removed("disc3.d64"), added("disc3.d64")), ["chosen", undefined]);
+  assert.deepEqual(groundsAfter(twice), ["swapped", "swapped"]);
+  assert.deepEqual(groundsAfter(twice, addedAnew("disc3.d64")), ["swapped", "anew"]);
+  assert.deepEqual(groundsAfter(twice, removed("disc3.d64"), added("disc3.d64")), ["swapped", undefined]);
 });
 
 // Files
@@ -80,9 +80,9 @@ test("a disc that is added anew keeps its place, and what was chosen with it has
   assert.equal(after.gone.from, "disc3.d64 and disc2.d64");
 });
 
-test("a disc that is no image any more when it is added anew leaves its place empty", () => {
+test("a file that cannot be used replaces none", () => {
   const cut = file("disc2.d64", { modified: 2, refused: "oddFloppy" });
-  assert.deepEqual(pairsOf(stateAfter(pairAndImage, addedAnew("disc2.d64", cut))), ["– + disc3.d64"]);
+  assert.deepEqual(pairsOf(stateAfter(pairAndImage, addedAnew("disc2.d64", cut))), ["disc2.d64 + disc3.d64"]);
 });
 
 test("a file that was refused is replaced by adding it again, and what is there already is not added twice", () => {

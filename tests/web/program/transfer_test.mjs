@@ -79,16 +79,17 @@ function spoiling(spoiledRun, kind, offset) {
 }
 
 test("one wrong byte in what the program leaves makes the transfer fail", async () => {
+  const longImage = image("reu", memoryImage(undefined, 0x10001));
   const cases = [
     { what: "the new image, in the savegame", run: spoiling(2, "image", 0x4000) },
     { what: "the new image, before the savegame", run: spoiling(2, "image", 0x3fff) },
-    { what: "the new image, its last byte", run: spoiling(2, "image", 0xfffe) },
+    { what: "the new image, its last byte", run: spoiling(2, "image", 0x10000) },
     { what: "what comes out of the new image", run: spoiling(3, "data", 0x3ff) },
     { what: "the savegame that is replaced", run: spoiling(4, "data", 0) },
     { what: "the image with its old savegame", run: spoiling(5, "image", 0x7000) },
   ];
   for (const { what, run: spoiled } of cases) {
-    await assert.rejects(transfer(spoiled, pairWith(savegame), image("reu"), names), Error, what);
+    await assert.rejects(transfer(spoiled, pairWith(savegame), longImage, names), Error, what);
   }
   for (const spoiled of [spoiling(1, "data", 0x3ff), spoiling(2, "image", 0x3fff), spoiling(3, "image", 0x4000)]) {
     await assert.rejects(takeOut(spoiled, image("reu"), names), /is not as it has to be/);
