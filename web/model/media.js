@@ -11,9 +11,9 @@ export function hasSavegame(savegame) {
   return savegame.some(({ state }) => state !== "none");
 }
 
-/** Whether there is nothing that could be lost: all bytes are the same. @param {Savegame} savegame */
+/** Whether there is nothing that could be lost: all bytes of a disc are the same. @param {Savegame} savegame */
 export function isBlank(savegame) {
-  return savegame.every(({ bytes }) => bytes.every((byte) => byte === savegame[0].bytes[0]));
+  return savegame.every(({ bytes }) => bytes.every((byte) => byte === bytes[0]));
 }
 
 /** @param {Medium} medium */

@@ -8,13 +8,13 @@ import { tmpdir } from "node:os";
 import { join } from "node:path";
 import { setTimeout as wait } from "node:timers/promises";
 import puppeteer from "puppeteer-core";
-import { Builder, By, Capabilities } from "selenium-webdriver";
+import { Builder, Capabilities, Key } from "selenium-webdriver";
 
 export const names = ["chromium", "firefox", "webkit"];
 
 const programs = { chromium: "/usr/bin/chromium", firefox: "/usr/bin/firefox-esr", webkit: "/usr/bin/WebKitWebDriver" };
 const stepLimit = 60_000; // milliseconds for what a browser has to do
-const changeLimit = 60_000; // milliseconds until the page has changed
+const changeLimit = 30_000; // milliseconds until the page has changed
 
 /** The browser leaves everything in this folder, also what WebKit downloads. */
 function environment(folder) {
@@ -50,16 +50,26 @@ async function callInPage(call, argsText) {
   return answer.then((result) => ({ result }), (error) => ({ failure: `${error}` })).then((each) => JSON.stringify(each, pack)); // prettier-ignore
 }
 
-/** What a person would click: the visible element with this text or label. Runs in the page. */
-function findByText(text) {
-  const elements = [...document.querySelectorAll("a, button, label, summary, [role=button]")];
-  const isIt = (element) => [element.textContent.trim(), element.ariaLabel].includes(text) && element.checkVisibility();
-  return elements.find(isIt) ?? null;
+// These functions run in the page.
+
+/** The innermost part of the page whose heading begins so. */
+function findPart(heading) {
+  const parts = [...document.querySelectorAll("section, fieldset, details, li")];
+  const headingOf = (part) => part.querySelector("h2, h3, h4, legend, summary")?.innerText.trim() ?? "";
+  return heading === undefined ? document.body : parts.reverse().find((part) => headingOf(part).startsWith(heading));
+}
+
+/** The visible element with this text in its first line, or with this label. */
+function findByText(part, text) {
+  const elements = [...(part?.querySelectorAll("a, button, label, summary, select") ?? [])];
+  const namesOf = ({ innerText, ariaLabel }) => [innerText.trim().split("\n")[0], ariaLabel];
+  return elements.find((element) => namesOf(element).includes(text) && element.checkVisibility()) ?? null;
 }
 
 async function startWithPuppeteer(folder, name, flags) {
   const complaints = [];
   const requests = [];
+  const dialogs = [];
   const browser = await puppeteer.launch({
     browser: name === "chromium" ? "chrome" : "firefox",
     executablePath: programs[name],
@@ -72,6 +82,7 @@ async function startWithPuppeteer(folder, name, flags) {
   });
   const page = await browser.newPage();
   page.on("request", (request) => requests.push(request.url()));
+  page.on("dialog", (dialog) => dialogs.push(dialog.type()) && dialog.accept());
   page.on("pageerror", (error) => complaints.push(String(error)));
   page.on("console", (message) => {
     if (["error", "warn"].includes(message.type())) complaints.push(message.text());
@@ -81,12 +92,13 @@ async function startWithPuppeteer(folder, name, flags) {
     globalThis.addEventListener("securitypolicyviolation", report);
   });
   return {
-    ...{ page, complaints, requests },
+    ...{ page, complaints, requests, dialogs },
     go: (url) => page.goto(url),
     run: (expression) => page.evaluate(expression),
     find: (expression) => page.evaluateHandle(expression).then((handle) => handle.asElement()),
-    upload: async (selector, paths) => (await page.$(selector)).uploadFile(...paths),
+    give: (input, paths) => input.uploadFile(...paths),
     press: (key) => page.keyboard.press(key),
+    type: (text) => page.keyboard.type(text),
     resize: (width, height) => page.setViewport({ width, height }),
     quit: () => browser.close(),
   };
@@ -130,7 +142,9 @@ async function startWebKit(folder) {
     },
     run: (expression) => driver.executeAsyncScript(`${expression}.then(arguments[0])`),
     find: (expression) => driver.executeScript(`return ${expression}`),
-    upload: (selector, paths) => driver.findElement(By.css(selector)).sendKeys(paths.join("\n")),
+    give: (input, paths) => input.sendKeys(paths.join("\n")),
+    press: (key) => driver.actions().sendKeys(Key[key.replace("Arrow", "").toUpperCase()]).perform(),
+    type: (text) => driver.actions().sendKeys(text).perform(),
     async quit() {
       await driver.quit();
       kill();
@@ -144,6 +158,8 @@ export async function open(name, url, flags = []) {
   if (!existsSync(programs[name])) throw new Error(`${programs[name]} is missing: scripts/web.sh installs it.`);
   const start = name === "webkit" ? startWebKit : startWithPuppeteer;
   const driver = await start(folder, name, flags);
+  const search = (text, heading) =>
+    `(${findByText})((${findPart})(${JSON.stringify(heading)}), ${JSON.stringify(text)})`;
   const browser = {
     ...driver,
     name,
@@ -155,17 +171,52 @@ export async function open(name, url, flags = []) {
       if (failure) throw new Error(failure);
       return result;
     },
+    /** Calls a function in the page with what is labelled so, in the part with this heading. */
+    evaluateOn(text, heading, fn, ...args) {
+      const missing = JSON.stringify(`"${text}" is not on the page`);
+      const find = `${search(text, heading)} ?? (() => { throw new Error(${missing}) })()`;
+      return browser.evaluate(`(...args) => (${fn})(${find}, ...args)`, ...args);
+    },
     waitFor: (fn, ...args) => until(() => browser.evaluate(fn, ...args), `this holds: ${fn}`),
-    /** Clicks what is labelled so, once it is there. */
-    async click(text) {
-      const find = () => driver.find(`(${findByText})(${JSON.stringify(text)})`);
-      await (await until(find, `"${text}" can be clicked`)).click();
+    /** What is visible in the part with this heading, or on the whole page. */
+    text: (heading) => browser.evaluate(`() => (${findPart})(${JSON.stringify(heading)})?.innerText ?? ""`),
+    async waitForText(pattern, heading) {
+      let text;
+      const isThere = async () => pattern.test((text = await browser.text(heading)));
+      await until(isThere, `${pattern} is on the page`).catch((error) => {
+        throw new Error(`${error.message}. It says:\n${text.slice(0, 3000)}`);
+      });
+    },
+    /** Clicks what is labelled so, once that is possible. */
+    async click(text, heading, options) {
+      const isPossible = "(element) => (element?.control ?? element)?.disabled === true ? null : element";
+      const find = () => driver.find(`(${isPossible})(${search(text, heading)})`);
+      await (await until(find, `"${text}" can be clicked`)).click(options);
+    },
+    /** Chooses from a list. */
+    choose(label, option) {
+      return browser.evaluateOn(
+        label,
+        undefined,
+        (element, text) => {
+          const select = element.control ?? element;
+          select.value = [...select.options].find((each) => each.text === text).value;
+          select.dispatchEvent(new Event("change", { bubbles: true }));
+        },
+        option,
+      );
+    },
+    /** Gives files to the input with this label. */
+    async upload(label, paths) {
+      await driver.give(await driver.find(`${search(label)}.control`), paths);
     },
     /** The bytes of a file that the page saves under this name, once it is complete. */
     async download(fileName) {
       const path = join(folder, fileName);
       const isPartial = (other) => /\.(part|crdownload|wkdownload)$/.test(other);
-      const isComplete = () => existsSync(path) && statSync(path).size > 0 && !readdirSync(folder).some(isPartial);
+      const isQuiet = () => name !== "webkit" || Date.now() - statSync(path).mtimeMs > 300; // it does not tell
+      const isThere = () => existsSync(path) && statSync(path).size > 0 && isQuiet();
+      const isComplete = () => isThere() && !readdirSync(folder).some(isPartial);
       await until(isComplete, `${fileName} is downloaded`);
       const bytes = readFileSync(path);
       rmSync(path);

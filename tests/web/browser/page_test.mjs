@@ -1,294 +1,323 @@
-// The page as a person uses it: what it says about files, what it makes, and what it refuses.
+// The page as a person uses it, as far as only a browser can show it: what is clicked, typed, dropped and saved, where the
+// focus is, and what is in view. What the page decides is tested without a browser, in tests/web/model.
 import assert from "node:assert/strict";
 import { execFileSync } from "node:child_process";
-import { cpSync, mkdirSync, mkdtempSync, readFileSync, rmSync, truncateSync, writeFileSync } from "node:fs";
+import { cpSync, mkdirSync, mkdtempSync, readFileSync, rmSync, utimesSync, writeFileSync } from "node:fs";
 import { tmpdir } from "node:os";
-import { dirname, join } from "node:path";
+import { basename, dirname, join } from "node:path";
 import { after, test } from "node:test";
 import { fileURLToPath } from "node:url";
 import { names, open } from "./browsers.mjs";
 
 const project = fileURLToPath(new URL("../../..", import.meta.url));
-const program = join(project, "out/release/stashkeep");
 const page = new URL("../../../out/packages/stashkeep.html", import.meta.url).href;
 const folder = mkdtempSync(join(tmpdir(), "stashkeep-page-"));
 after(() => rmSync(folder, { recursive: true }));
 
-cpSync(join(project, "examples"), folder, { recursive: true });
-execFileSync("sh", ["make_media.sh"], { cwd: folder });
-const read = (name) => readFileSync(join(folder, name));
-const stashkeep = (...args) => execFileSync(program, args, { cwd: folder, encoding: "utf8" });
+// The files. All of them were written at one time, which is in the names of the new files.
+
+const written = new Date(2020, 0, 2, 3, 4);
+const when = "2020-01-02 03-04-00";
+const path = (name) => join(folder, name);
+const read = (name) => readFileSync(path(name));
 
 /** Writes a file, and returns its path. */
-function write(name, bytes) {
-  const path = join(folder, name);
-  mkdirSync(dirname(path), { recursive: true });
-  writeFileSync(path, bytes);
-  return path;
+function write(name, bytes, time = written) {
+  mkdirSync(dirname(path(name)), { recursive: true });
+  writeFileSync(path(name), bytes);
+  utimesSync(path(name), time, time);
+  return path(name);
 }
 
-/** A copy of a file in which one bit differs. */
-function changed(name, at) {
-  const bytes = read(name);
-  bytes[at] ^= 1;
-  return bytes;
+/** Copies of files in which the native program has replaced the savegame by that in a data file. */
+function implanted(command, data, ...images) {
+  const copies = images.map((image, i) => `copy${i}`);
+  copies.forEach((copy, i) => cpSync(images[i], path(copy)));
+  execFileSync(join(project, "out/release/stashkeep"), [command, data, ...copies], { cwd: folder });
+  return copies.map(read);
 }
 
-const path = (name) => join(folder, name);
-const blankDisc2 = write("new2.d64", Buffer.alloc(196_608, 2));
-const blankDisc3 = write("new3.d64", Buffer.alloc(196_608, 3));
-const disc2 = path("disc2.d64");
-const disc3 = path("disc3.d64");
-const reu = path("game.reu");
-const make = "Put the savegame into a copy of game.reu";
-cpSync(reu, path("saved.reu"));
-stashkeep("implantreu", "savegame.dat", "saved.reu");
+function assertBytes(bytes, expected, what) {
+  if (bytes.equals(expected)) return;
+  const at = expected.findIndex((byte, i) => byte !== bytes[i]);
+  assert.fail(`${what}: ${bytes.length} bytes instead of ${expected.length}, and from ${at} on they differ`);
+}
+
+/** Bytes in which one bit differs at each of these places. */
+function changed(bytes, ...places) {
+  const copy = Buffer.from(bytes);
+  for (const at of places) copy[at] ^= 1;
+  return copy;
+}
+
+cpSync(join(project, "examples"), folder, { recursive: true });
+execFileSync("sh", ["make_media.sh"], { cwd: folder });
+const [disc2, disc3, empty, backup] = ["disc2.d64", "disc3.d64", "game.reu", "savegame.dat"].map((name) =>
+  write(name, read(name)),
+);
+const [blank2, blank3] = [2, 3].map((number) => write(`blank${number}.d64`, Buffer.alloc(196_608, number)));
+const full = write("full.reu", implanted("implantreu", "savegame.dat", empty)[0]);
+const moneyPlaces = [0x158, 0x159, 0x358, 0x359]; // its tens and units on both discs; their XOR stays
+const other = write("other.dat", changed(read("savegame.dat"), ...moneyPlaces));
 const sources = ["flags", "collectableids", "globaldefines"].map((name) =>
   path(`scripts/common/global/scr_${name}.asm`),
 );
 const included = ["village", "mansion", "mountains"].map((name) => path(`generated/worldflags_${name}.inc`));
 
+// What stands on the page
+
+const put = (title) => `Put the savegame into a copy of ${title}`;
+const replace = (title) => `${put(title)}, and back up the old one`;
+const onlyBackup = "Only a backup file";
+const copyOf = (stem, origin, extension, money = 125) =>
+  `${stem} (savegame of ${origin}, money ${money}, ${when}).${extension}`;
+const backupOf = (origin, money = 125) => `backup of ${origin}, money ${money}, ${when}.dat`;
+
 /** Gives files to the page, and waits until it has looked into them. */
-async function give(browser, paths) {
-  await browser.upload("#files-input", paths);
-  await browser.waitFor((count) => {
-    const listed = document.querySelectorAll(".file").length;
-    return listed >= count && !document.querySelector("[aria-busy]");
-  }, paths.length);
+async function give(browser, ...paths) {
+  await browser.upload("Choose files", paths);
+  await untilExamined(browser, paths);
 }
 
-const textOf = (browser) => browser.evaluate(() => document.querySelector("main").innerText);
-const buttonsOf = (browser) =>
-  browser.evaluate(() => [...document.querySelectorAll("button:enabled")].map(({ textContent }) => textContent));
+function untilExamined(browser, paths) {
+  const isExamined = (expected) => {
+    const text = document.querySelector("main").textContent;
+    return !document.querySelector("[aria-busy=true]") && expected.every((name) => text.includes(name));
+  };
+  return browser.waitFor(isExamined, paths.map((each) => basename(each))); // prettier-ignore
+}
 
-/** Opens the page with files, has `check` look at it, and closes it. */
-async function withPage(name, paths, check) {
-  const browser = await open(name, page);
-  try {
-    if (paths.length > 0) await give(browser, paths);
-    await check(browser);
-    assert.deepEqual(browser.complaints ?? [], []);
-  } catch (error) {
-    throw new Error(`${error.message}\nThe browser says: ${browser.complaints}`, { cause: error });
-  } finally {
-    await browser.close();
+async function save(browser, name) {
+  await browser.click(`Save ${name}`);
+  return browser.download(name);
+}
+
+const focused = (browser) =>
+  browser.evaluate(() => document.activeElement.ariaLabel ?? document.activeElement.innerText.split("\n")[0]);
+
+// Each browser is started once. Each test begins with a new page.
+const browsers = new Map();
+after(() => Promise.all([...browsers.values()].map((browser) => browser.close())));
+
+function testIn(engines, title, check) {
+  for (const name of engines) {
+    test(`${title}: ${name}`, async (t) => {
+      const browser = browsers.get(name) ?? (await open(name, page));
+      browsers.set(name, browser);
+      await browser.go(page);
+      browser.complaints.length = 0;
+      t.after(() => t.diagnostic(`The browser says: ${browser.complaints}`));
+      await check(browser);
+      assert.deepEqual(browser.complaints, []);
+    });
   }
 }
 
-for (const name of names) {
-  test(`a savegame moves from floppies to a REU image, as with the command line: ${name}`, () =>
-    withPage(name, [reu, disc3, disc2], async (browser) => {
-      await browser.click("Put the savegame into a copy of game.reu");
-      await browser.click("Save game-with-savegame.reu");
-      const saved = await browser.download("game-with-savegame.reu");
-      assert.ok(saved.equals(read("saved.reu")));
-    }));
+const testInChromium = (title, check) => testIn(["chromium"], title, check);
 
-  test(`a savegame moves from a REU image to floppies, as with the command line: ${name}`, () =>
-    withPage(name, [blankDisc3, path("saved.reu"), blankDisc2], async (browser) => {
-      await browser.click("Put the savegame into a copy of new2.d64 and new3.d64");
-      for (const [made, old] of [
-        ["new2-with-savegame.d64", "new2.d64"],
-        ["new3-with-savegame.d64", "new3.d64"],
-      ]) {
-        await browser.click(`Save ${made}`);
-        cpSync(path(old), path(made));
-      }
-      stashkeep("implantd64", "savegame.dat", "new2-with-savegame.d64", "new3-with-savegame.d64");
-      for (const made of ["new2-with-savegame.d64", "new3-with-savegame.d64"]) {
-        assert.ok((await browser.download(made)).equals(read(made)), made);
-      }
-    }));
-}
-
-const noSavegame = "There is no savegame here: save in the game first.";
-const noPlace = "no savegame and no place for one. Start the game once with this image";
-const accepted = "Accepted are floppy images of 40 tracks (196,608 bytes)";
-const tracks35 = ["floppy image of 35 tracks", "The original image is needed", "not a valid Zarnis 40 tracks d64."];
-
-const refused = [
-  { gives: "one floppy image", files: { "disc2.d64": read("disc2.d64") }, says: ["Disc 3 is missing"] },
-  {
-    gives: "the same file for both discs of the source",
-    files: { "disc2.d64": read("disc2.d64"), "disc3.d64": read("disc2.d64"), "game.reu": read("game.reu") },
-    says: ["disc2.d64 and disc3.d64 have the same contents", "Both discs have the same contents."],
-  },
-  {
-    gives: "the same file for both discs of the target",
-    files: { "new2.d64": read("new2.d64"), "new3.d64": read("new2.d64"), "saved.reu": read("saved.reu") },
-    says: ["new2.d64 and new3.d64 have the same contents", "Both discs have the same contents."],
-  },
-  { gives: "35 tracks", files: { "a.d64": Buffer.alloc(174_848) }, says: ["174,848 bytes", ...tracks35] },
-  {
-    gives: "35 tracks with error bytes",
-    files: { "a.d64": Buffer.alloc(175_531) },
-    says: ["175,531 bytes", ...tracks35],
-  },
-  {
-    gives: "a memory image whose pointers lead out",
-    files: { "game.reu": Buffer.alloc(131_072, 0xff) },
-    says: [noPlace, "not a valid Zarnis memory image."],
-  },
-  { gives: "a memory image with nothing in it", files: { "game.reu": Buffer.alloc(131_072) }, says: [noPlace] },
-  {
-    gives: "a source without a savegame",
-    files: { "disc2.d64": read("new2.d64"), "disc3.d64": read("new3.d64"), "game.reu": read("game.reu") },
-    says: [noSavegame, "validsavegame:<$02> should be $55"],
-    never: "undamaged",
-  },
-  {
-    gives: "a data file of another length",
-    files: { "a.dat": Buffer.alloc(600) },
-    says: ["it has 600 bytes", accepted],
-  },
-  {
-    gives: "an empty file",
-    files: { "a.d64": Buffer.alloc(0) },
-    says: ["This file is empty: it has 0 bytes.", accepted],
-  },
-];
-
-for (const { gives, files, says, never } of refused) {
-  test(`refuses, and says why: ${gives}`, async () => {
-    const paths = Object.entries(files).map(([name, bytes]) => write(join("refused", name), bytes));
-    await withPage("chromium", paths, async (browser) => {
-      const text = await textOf(browser);
-      for (const words of says) assert.ok(text.includes(words), `"${words}" is not in:\n${text}`);
-      if (never) assert.ok(!text.includes(never), text);
-      const buttons = await buttonsOf(browser);
-      assert.deepEqual(
-        buttons.filter((button) => /^(Put|Save)/.test(button)),
-        [],
-      );
-    });
-  });
-}
-
-test("uses an image with error bytes without them, and puts them back unchanged", async () => {
-  const errorBytes = Buffer.alloc(768, "error bytes");
-  const discs = ["2", "3"].map((n) => write(`errors${n}.d64`, Buffer.concat([read(`new${n}.d64`), errorBytes])));
-  await withPage("chromium", [path("savegame.dat"), ...discs], async (browser) => {
-    assert.match(await textOf(browser), /Its last 768 bytes are error bytes. The image is used without them/);
-    await browser.click("Put the savegame into a copy of errors2.d64 and errors3.d64");
-    await browser.click("Save errors3-with-savegame.d64");
-    const saved = await browser.download("errors3-with-savegame.d64");
-    assert.ok(saved.subarray(0, 256).equals(read("savegame.dat").subarray(512, 768)));
-    assert.ok(saved.subarray(196_608).equals(errorBytes));
-    assert.match(await textOf(browser), /Its last 768 bytes are the error bytes of errors3.d64, unchanged./);
-  });
+testIn(names, "a savegame moves from floppies to a memory expansion, as with the command line", async (browser) => {
+  await give(browser, empty, disc3, disc2);
+  await browser.click(put("game.reu"));
+  assertBytes(await save(browser, copyOf("game", "disc2", "reu")), read("full.reu"), "the new file");
 });
 
-const saved2 = read("disc2.d64");
-const doubtful = [
-  {
-    has: "one disc only",
-    discs: { "disc2.d64": saved2, "disc3.d64": read("new3.d64") },
-    says: "Only disc 2 has a savegame; disc 3 has none (disc2.d64 and disc3.d64).",
-  },
-  {
-    has: "damaged flags",
-    discs: { "disc2.d64": saved2, "disc3.d64": changed("disc3.d64", 0) },
-    says: "Disc 3: the checksum of part 1 (the flags) is wrong",
-  },
-  {
-    has: "damaged items",
-    discs: { "disc2.d64": saved2, "disc3.d64": changed("disc3.d64", 1024) },
-    says: "Disc 3: the checksum of part 2 (money, lives and items) is wrong",
-  },
-  {
-    has: "an order that nothing says",
-    discs: { "a.d64": saved2, "b.d64": read("disc3.d64") },
-    says: "Nothing says whether a.d64 or b.d64 is disc 2.",
-  },
-];
-
-for (const { has, discs, says } of doubtful) {
-  test(`moves a doubtful savegame only after an explicit choice: ${has}`, async () => {
-    const paths = Object.entries(discs).map(([name, bytes]) => write(join("doubtful", name), bytes));
-    await withPage("chromium", [...paths, reu], async (browser) => {
-      assert.ok((await textOf(browser)).includes(says));
-      assert.ok(!(await buttonsOf(browser)).includes(make));
-      await browser.click("Move it all the same");
-      await browser.click(make);
-      await browser.click("Save game-with-savegame.reu");
-    });
-  });
-}
-
-test("swaps two discs with one button, and takes their savegame out", () =>
-  withPage("chromium", [disc2, disc3], async (browser) => {
-    await browser.click("Swap disc 2 and disc 3");
-    await browser.click("Make a savegame data file of disc3.d64 and disc2.d64");
-    await browser.click("Save zarnis-savegame.dat");
-    const data = read("savegame.dat");
-    const swapped = Buffer.concat([data.subarray(512), data.subarray(0, 512)]);
-    assert.ok((await browser.download("zarnis-savegame.dat")).equals(swapped));
-  }));
-
-test("makes nothing of a file that has changed on the disk since it was added", () =>
-  withPage("chromium", [write("live.dat", read("savegame.dat")), reu], async (browser) => {
-    write("live.dat", changed("savegame.dat", 0));
-    await browser.click(make);
-    await browser.waitFor(() => document.body.innerText.includes("live.dat has changed since you added it"));
-    assert.ok(!(await buttonsOf(browser)).some((text) => text.startsWith("Save")));
-  }));
-
-test("says which files it cannot read, and works with the others", () =>
-  withPage("chromium", [path("savegame.dat")], async (browser) => {
-    write("huge.reu", "");
-    truncateSync(path("huge.reu"), 256 * 1024 * 1024 + 1);
-    await give(browser, [path("huge.reu"), reu]);
-    await browser.evaluate(() => {
-      const folderAsFile = new File([], "folder");
-      folderAsFile.arrayBuffer = () => Promise.reject(new DOMException("not a file", "NotReadableError"));
-      const input = document.getElementById("files-input");
-      Object.defineProperty(input, "files", { value: [folderAsFile], configurable: true });
-      input.dispatchEvent(new Event("change"));
-      delete input.files;
-    });
-    await browser.waitFor(() => document.querySelectorAll(".file").length === 4);
-    const text = await textOf(browser);
-    assert.match(text, /huge.reu[^]*This file is too large: it has 268,435,457 bytes; at most 256 MiB can be read/);
-    assert.match(text, /folder[^]*This file cannot be read/);
-    assert.ok((await buttonsOf(browser)).includes(make));
-  }));
-
-test("keeps two files of one name apart", async () => {
-  const other = write("other/game.reu", read("saved.reu"));
-  await withPage("chromium", [reu, other], async (browser) => {
-    await browser.click(make);
-    await browser.click("Save game-with-savegame.reu");
-    assert.ok((await browser.download("game-with-savegame.reu")).equals(read("saved.reu")));
-  });
+testIn(names, "a savegame moves from a memory expansion to floppies, and all is saved at once", async (browser) => {
+  const notes = Buffer.alloc(768, "notes about errors");
+  const noted = write("noted/blank3.d64", Buffer.concat([read("blank3.d64"), notes]));
+  await give(browser, noted, full, blank2);
+  await browser.click(put("blank2.d64 and blank3.d64"));
+  await browser.click("Save all 2 files");
+  const [made2, made3] = implanted("implantd64", "savegame.dat", blank2, blank3);
+  assert.ok((await browser.download(copyOf("blank2", "full", "d64"))).equals(made2));
+  assert.ok((await browser.download(copyOf("blank3", "full", "d64"))).equals(Buffer.concat([made3, notes])));
 });
 
-test("reads a folder that is dropped, with its subfolders", () =>
-  withPage("chromium", [path("savegame.dat")], async (browser) => {
-    const client = await browser.page.createCDPSession();
-    const data = { items: [], files: [path("scripts"), path("generated")], dragOperationsMask: 1 };
-    for (const type of ["dragEnter", "dragOver", "drop"]) {
-      await client.send("Input.dispatchDragEvent", { type, x: 100, y: 100, data });
+const replacements = [
+  { from: [disc2, disc3], origin: "disc2", command: "implantreu", old: ["old.reu"], blanks: [empty] },
+  { from: [full], origin: "full", command: "implantd64", old: ["old2.d64", "old3.d64"], blanks: [blank2, blank3] },
+];
+
+for (const { from, origin, command, old, blanks } of replacements) {
+  testInChromium(`a replaced savegame is saved too, and can be put back: ${old.join(" and ")}`, async (browser) => {
+    const paths = implanted(command, "other.dat", ...blanks).map((bytes, i) => write(old[i], bytes));
+    const extension = old[0].split(".")[1];
+    const backupName = backupOf("old", 134);
+    await give(browser, ...from, ...paths);
+    await browser.click(from.map((each) => basename(each)).join(" and "), "From");
+    await browser.waitForText(/is replaced[^]*Money\s+134\s+125/);
+    await browser.click(replace(old.join(" and ")));
+    await browser.click(`Save all ${old.length + 1} files`);
+    const made = [];
+    for (const [i, bytes] of implanted(command, "savegame.dat", ...paths).entries()) {
+      const saved = await browser.download(copyOf(old[i].split(".")[0], origin, extension));
+      assert.ok(saved.equals(bytes), old[i]);
+      made.push(write(`now${i + 2}.${extension}`, saved));
     }
-    await browser.waitFor(() => document.querySelectorAll(".file").length === 7);
-    assert.match(await textOf(browser), /Game flags: 22 of 22[^]*World flags: 30 of 30/);
-  }));
+    const saved = await browser.download(backupName);
+    assert.ok(saved.equals(read("other.dat")));
 
-const intoReu = { paths: [path("savegame.dat"), reu], name: "game-with-savegame.reu", press: make };
-const takeOut = "Make a savegame data file of saved.reu";
-const spoiled = [
-  { ...intoReu, what: "a byte of the savegame in the new image", at: 0x200000 },
-  { ...intoReu, what: "another byte of the new image", at: 5 },
-  { paths: [path("saved.reu")], name: "zarnis-savegame.dat", press: takeOut, what: "a byte of the data file", at: 300 },
-];
+    await browser.click("Start over (no file is deleted)");
+    await give(browser, ...made, write(backupName, saved));
+    await browser.click(backupName, "From");
+    await browser.click(replace(made.map((each) => basename(each)).join(" and ")));
+    for (const [i, name] of old.entries()) {
+      const restored = await save(browser, copyOf(`now${i + 2}`, "old", extension, 134));
+      assert.ok(restored.equals(read(name)), name);
+    }
+  });
+}
 
-/** Runs in the page: in the first result that has this file, a bit of it is wrong. */
-function spoilOnce(name, offset) {
+/** Where the buttons to save are, and whether they can be seen there. Runs in the page. */
+function lookAtSaveButtons() {
+  const buttons = [...document.querySelectorAll("button")].filter(({ innerText }) => innerText.startsWith("Save "));
+  return buttons.map((button) => {
+    const { x, y, width, height } = button.getBoundingClientRect();
+    const isOnTop = button.contains(document.elementFromPoint(x + width / 2, y + height / 2));
+    return { text: button.innerText, x, y, isVisible: isOnTop && y >= 0 && y + height <= innerHeight };
+  });
+}
+
+testInChromium("the buttons to save come into view, and stay where they are", async (browser) => {
+  const sizes = [
+    [360, 640],
+    [900, 650],
+    [1600, 900],
+  ];
+  for (const [width, height] of sizes) {
+    await browser.resize(width, height);
+    await give(browser, full, blank2, blank3);
+    await browser.click(put("blank2.d64 and blank3.d64"));
+    await browser.waitForText(/^Not saved yet$/m);
+    const buttons = await browser.evaluate(lookAtSaveButtons);
+    const hidden = buttons.filter(({ isVisible }) => !isVisible);
+    assert.deepEqual([buttons.length, hidden], [3, []], `${width} × ${height}`);
+    for (const [disc, says] of [
+      [2, /^1 of 2 saved\s+Both discs are needed[^]*sent to your downloads[^]*not saved yet/m],
+      [3, /^Sent to your downloads$/m],
+    ]) {
+      await save(browser, copyOf(`blank${disc}`, "full", "d64"));
+      await browser.waitForText(says);
+      const message = `${width} × ${height}, after blank${disc}.d64 was saved`;
+      assert.deepEqual(await browser.evaluate(lookAtSaveButtons), buttons, message);
+    }
+    await browser.click("Start over (no file is deleted)");
+  }
+});
+
+testInChromium("leaving asks as long as something is not saved", async (browser) => {
+  for (const [saved, dialogs] of [
+    [["blank2", "blank3"], []],
+    [["blank2"], ["beforeunload"]],
+    [[], ["beforeunload"]],
+  ]) {
+    await give(browser, full, blank2, blank3);
+    await browser.click(put("blank2.d64 and blank3.d64"));
+    await browser.waitForText(/^Not saved yet/m);
+    for (const stem of saved) await save(browser, copyOf(stem, "full", "d64"));
+    browser.dialogs.length = 0;
+    await browser.go(page);
+    assert.deepEqual(browser.dialogs, dialogs, `saved: ${saved}`);
+  }
+});
+
+testInChromium("what is chosen is moved, and to where it is chosen", async (browser) => {
+  await give(browser, disc2, disc3, other, empty, write("second.reu", read("game.reu")));
+  const isRefused = (element) => element.control.disabled;
+  assert.ok(await browser.evaluateOn("game.reu", "From", isRefused));
+  assert.ok(!(await browser.evaluateOn("other.dat", "From", isRefused)));
+  await browser.click("other.dat", "From");
+  await browser.click("second.reu", "Into");
+  await browser.click(put("second.reu"));
+  const saved = await save(browser, copyOf("second", "other", "reu", 134));
+  assert.ok(saved.equals(implanted("implantreu", "other.dat", empty)[0]));
+  await browser.click("disc2.d64 and disc3.d64", "From");
+  await browser.waitForText(/No longer offered/);
+  await browser.click(onlyBackup);
+  await browser.click("Make a backup of the savegame in disc2.d64 and disc3.d64");
+  assert.ok((await save(browser, backupOf("disc2"))).equals(read("savegame.dat")));
+});
+
+testInChromium("the person decides which disc is which", async (browser) => {
+  const discs = ["a.d64", "b.d64", "c.d64"];
+  const [halfA, halfB] = [0, 512].map((start) => read("savegame.dat").subarray(start, start + 512));
+  const halfC = read("other.dat").subarray(512);
+  const changedDisc3 = changed(read("disc3.d64"), 0x458, 0x459);
+  await give(
+    browser,
+    ...[read("disc2.d64"), read("disc3.d64"), changedDisc3].map((bytes, i) => write(discs[i], bytes)),
+  );
+  async function hasSavegameOf(disc2Title, disc3Title, halves) {
+    await browser.click(`${disc2Title} and ${disc3Title}`, "From");
+    await browser.click(onlyBackup);
+    await browser.click(`Make a backup of the savegame in ${disc2Title} and ${disc3Title}`);
+    const saved = await save(browser, backupOf(disc2Title[0]));
+    assert.ok(saved.equals(Buffer.concat(halves)), `${disc2Title} and ${disc3Title}`);
+  }
+  await browser.click("It is disc 2: b.d64");
+  await browser.choose("Disc 3", "a.d64");
+  await hasSavegameOf("b.d64", "a.d64", [halfB, halfA]);
+  await browser.click("Swap disc 2 and disc 3");
+  await hasSavegameOf("a.d64", "b.d64", [halfA, halfB]);
+  await browser.choose("Disc 3", "c.d64");
+  await hasSavegameOf("a.d64", "c.d64", [halfA, halfC]);
+  await browser.choose("Disc 2", "– none –");
+  await browser.waitForText(/Disc 2 is missing/);
+});
+
+testInChromium("a doubtful savegame moves only after the person has agreed", async (browser) => {
+  await give(browser, disc2, blank3, empty);
+  await browser.click("It is disc 2: disc2.d64");
+  await browser.choose("Disc 3", "blank3.d64");
+  await browser.waitForText(/Only disc 2 has a savegame[^]*Move it all the same/);
+  assert.ok(await browser.evaluateOn(put("game.reu"), undefined, (button) => button.disabled));
+  await browser.click("Move it all the same");
+  await browser.click(put("game.reu"));
+  await save(browser, copyOf("game", "disc2", "reu"));
+});
+
+testInChromium("a double click makes one result", async (browser) => {
+  await give(browser, full, blank2, blank3);
+  await browser.click(put("blank2.d64 and blank3.d64"), undefined, { count: 2 });
+  await browser.waitForText(/^Not saved yet$/m);
+  await browser.click("Every command that was run, and exactly what the program printed");
+  const runs = (await browser.text("For experts")).match(/\$ stashkeep implantd64 .*/g);
+  assert.equal(runs.length, 2, `once to make it, and once to prove it:\n${runs.join("\n")}`);
+});
+
+testInChromium("a file that is there already is added only if the person wants that", async (browser) => {
+  await give(browser, backup);
+  await browser.upload("Choose files", [backup]);
+  await browser.waitForText(/In the list already, with the same date and contents: savegame.dat/);
+  assert.equal((await browser.text()).match(/^savegame \(2\).dat|savegame.dat \(2\)/m), null);
+  await browser.click("Add all the same");
+  await browser.waitForText(/^savegame.dat \(2\)$/m, "1. Your files");
+});
+
+testInChromium("nothing is made of a file that has changed on the disk, and it can be added anew", async (browser) => {
+  const live = write("live.dat", read("savegame.dat"));
+  await give(browser, live, empty);
+  write("live.dat", read("other.dat"), new Date(2020, 0, 2, 15, 4));
+  await browser.click(put("game.reu"));
+  await browser.waitForText(/nothing was made. Changed since you added it: live.dat/);
+  assert.doesNotMatch(await browser.text(), /^Save /m);
+  await give(browser, live);
+  await browser.waitForText(/live.dat of Jan 2, 2020, 3:04.AM has changed on the disk/);
+  await browser.click("Close");
+  await browser.click("live.dat", "From");
+  await browser.click(put("game.reu"));
+  const saved = await save(browser, "game (savegame of live, money 134, 2020-01-02 15-04-00).reu");
+  assertBytes(saved, implanted("implantreu", "other.dat", empty)[0], "the new file");
+  assert.doesNotMatch(await browser.text(), /has changed/);
+});
+
+/** Runs in the page: in the first result that has such a file, a bit of it is wrong. */
+function spoilOnce(beginning) {
   const { set } = Object.getOwnPropertyDescriptor(Worker.prototype, "onmessage");
   let isSpoiled = false;
   function setSpoiling(listener) {
     set.call(this, (event) => {
-      const file = event.data.files.find(([candidate]) => candidate === name);
-      if (file && !isSpoiled) file[1][offset] ^= 1;
+      const file = event.data.files.find(([name]) => name.startsWith(beginning));
+      if (file && !isSpoiled) file[1][5] ^= 1;
       isSpoiled ||= Boolean(file);
       listener(event);
     });
@@ -296,136 +325,146 @@ function spoilOnce(name, offset) {
   Object.defineProperty(Worker.prototype, "onmessage", { set: setSpoiling });
 }
 
-for (const { what, paths, name, press, at } of spoiled) {
-  test(`offers nothing if this is wrong: ${what}`, () =>
-    withPage("chromium", paths, async (browser) => {
-      await browser.evaluate(spoilOnce, name, at);
-      await browser.click(press);
-      await browser.waitFor(() => document.getElementById("make-failure").textContent.includes("nothing was made"));
-      assert.ok(!(await buttonsOf(browser)).some((text) => text.startsWith("Save")));
-    }));
-}
+testInChromium("a result that is wrong is not offered", async (browser) => {
+  await give(browser, backup, empty);
+  await browser.evaluate(spoilOnce, "game (savegame of");
+  await browser.click(put("game.reu"));
+  await browser.waitForText(/nothing was made/);
+  assert.doesNotMatch(await browser.text(), /^Save /m);
+  await browser.click(put("game.reu"));
+  await browser.waitForText(/^Not saved yet$/m);
+  assert.doesNotMatch(await browser.text(), /nothing was made/);
+});
 
-test("says that the program cannot run, and works again once it can", () =>
-  withPage("chromium", [], async (browser) => {
-    await browser.evaluate(() => {
-      globalThis.realWorker = Worker;
-      globalThis.Worker = class {
-        constructor() {
-          throw new Error("no worker today");
-        }
-      };
-    });
-    await give(browser, [path("savegame.dat")]);
-    assert.match(await textOf(browser), /The program could not look into this file. .*no worker today/);
-    await browser.evaluate(() => (globalThis.Worker = globalThis.realWorker) && true);
-    await give(browser, [path("savegame.dat"), reu]);
-    assert.ok((await buttonsOf(browser)).includes(make));
-  }));
-
-test("shows what check prints, in tables", () =>
-  withPage("chromium", [path("savegame.dat"), ...included, ...[...sources].reverse()], async (browser) => {
-    const printed = stashkeep("check", "savegame.dat", ...sources).split("\n");
-    const rowsOf = (pattern) => printed.map((line) => pattern.exec(line)?.slice(1)).filter(Boolean);
-    const shown = await browser.evaluate(() => {
-      const textOfRow = (row) => [...row.cells].map(({ textContent }) => textContent);
-      const tables = [...document.querySelectorAll("#report table")];
-      const title = (table) => table.caption.textContent;
-      return Object.fromEntries(tables.map((table) => [title(table), [...table.tBodies[0].rows].map(textOfRow)]));
-    });
-    const flags = rowsOf(/^(\w+) = (-?\d+)$/);
-    const half = flags.length / 2; // disc 2, then disc 3
-    const bothDiscs = flags.slice(0, half).map(([name, value], i) => [name, value, flags[half + i][1]]);
-    assert.deepEqual([...shown["Game flags: 22 of 22"], ...shown["World flags: 30 of 30"]], bothDiscs);
-
-    const items = rowsOf(/^(\d+)_item:(\d+)<(?:COLLECTABLE_)?(\w+)> count:(\d+)/);
-    const slots = items.map(([slot, id, name, count]) => [slot, name === "undefined" ? id : name, count]);
-    const tablesOf = (disc) => ["inventory", "not in use", "chest"].flatMap((title) => shown[`${disc}: ${title}`]);
-    assert.deepEqual([...tablesOf("Disc 2"), ...tablesOf("Disc 3")], slots);
-
-    const values = shown.Values.map(([, disc2Value, disc3Value]) => [disc2Value, disc3Value]);
-    assert.deepEqual(values.slice(0, 5), [
-      ["125", "125"],
-      ["7", "7"],
-      ["12", "12"],
-      ["8", "23"],
-      ["3", "17"],
-    ]);
-
-    await browser.evaluate(() => {
-      const field = document.getElementById("flag-search");
-      field.value = "bridge";
-      field.dispatchEvent(new Event("input"));
-    });
-    assert.match(await textOf(browser), /Game flags: 1 of 22\n[^]*FLAG_BRIDGE_STATE\t5\t0\n/);
-  }));
-
-const sourceProblems = [
-  { of: "a missing source", files: sources.slice(0, 2), says: "these sources are missing: scr_globaldefines.asm" },
-  { of: "a missing included file", files: sources, says: "not found: generated/worldflags_village.inc" },
-  {
-    of: "a source that fails",
-    files: [...sources.slice(1), ...included, write("broken/scr_flags.asm", ".flags A B")],
-    says: "generateSaveGame flags.asm file problem!",
-  },
-  {
-    of: "an empty list",
-    files: [...sources.slice(0, 2), write("broken/scr_globaldefines.asm", "nothing")],
-    says: "No world flags were found",
-  },
-];
-
-for (const { of, files, says } of sourceProblems) {
-  test(`says why flags are missing, because of ${of}`, () =>
-    withPage("chromium", [path("savegame.dat"), ...files], async (browser) => {
-      const text = await textOf(browser);
-      assert.ok(text.includes(says), text);
-    }));
-}
-
-test("works by keyboard alone, and moves the focus to the result", () =>
-  withPage("chromium", [], async (browser) => {
-    const focused = () => browser.evaluate(() => document.activeElement.textContent);
-    const goTo = async (text) => {
-      for (let i = 0; i < 60 && (await focused()) !== text; ++i) await browser.press("Tab");
-      assert.equal(await focused(), text);
+testInChromium("a program that cannot start is reported, and works again once it can", async (browser) => {
+  await browser.evaluate(() => {
+    globalThis.realWorker = Worker;
+    globalThis.Worker = function () {
+      throw new Error("no worker today");
     };
-    await goTo("Try it with examples");
-    await browser.press("Enter");
-    await browser.waitFor(() => document.getElementById("make-button"));
-    await goTo("Put the savegame into a copy of examples/game.reu");
-    await browser.press("Enter");
-    await browser.waitFor(() => document.activeElement.id === "result-heading");
-    assert.equal(await focused(), "Ready to be saved: game-with-savegame.reu");
-    await goTo("Save game-with-savegame.reu");
-    await browser.press("Enter");
-    assert.ok((await browser.download("game-with-savegame.reu")).equals(read("saved.reu")));
-  }));
+  });
+  await give(browser, backup);
+  await browser.waitForText(/savegame.dat: The program could not look into it. .*no worker today/);
+  await browser.evaluate(() => (globalThis.Worker = globalThis.realWorker) && true);
+  await give(browser, backup, empty);
+  await browser.click(put("game.reu"));
+  await browser.waitForText(/^Not saved yet$/m);
+});
 
-const states = {
-  empty: [],
-  "one disc": [disc2],
-  ready: [disc2, disc3, path("saved.reu")],
-  refused: [write("a.d64", Buffer.alloc(174_848)), write("empty", "")],
-  doubtful: [disc2, blankDisc3, reu],
-  flags: [path("savegame.dat"), reu, ...sources, ...included],
-  made: [path("savegame.dat"), reu],
-};
+testInChromium("a part of the page that cannot be shown says so, and the others go on", async (browser) => {
+  await give(browser, empty);
+  await browser.evaluate(() => {
+    globalThis.realMethod = Number.prototype.toLocaleString;
+    Number.prototype.toLocaleString = function (...args) {
+      if (Number(this) === 1024) throw new Error("not this number");
+      return globalThis.realMethod.call(this, ...args);
+    };
+  });
+  await browser.upload("Choose files", [backup]);
+  await browser.waitForText(/This part of the page cannot be shown. .*not this number/, "1. Your files");
+  await browser.click(put("game.reu"));
+  await save(browser, copyOf("game", "savegame", "reu"));
+  await browser.evaluate(() => (Number.prototype.toLocaleString = globalThis.realMethod) && true);
+  await give(browser, other);
+  assert.match(await browser.text("1. Your files"), /^savegame.dat$/m);
+});
 
-for (const [state, paths] of Object.entries(states)) {
-  test(`is accessible and fits at every width, light and dark: ${state}`, () =>
-    withPage("chromium", paths, async (browser) => {
-      if (state === "made") await browser.click(make);
-      if (state === "made") await browser.waitFor(() => document.getElementById("result-heading"));
-      await browser.evaluate(() => document.querySelectorAll("details").forEach((details) => (details.open = true)));
-      for (const scheme of ["light", "dark"]) {
-        await browser.page.emulateMediaFeatures([{ name: "prefers-color-scheme", value: scheme }]);
-        for (const width of [320, 800, 1600]) {
-          await browser.resize(width, 800);
-          assert.deepEqual(await browser.accessibilityFaults(), [], `${scheme}, ${width} pixels`);
-          const isTooWide = () => document.documentElement.scrollWidth > document.documentElement.clientWidth;
-          assert.ok(!(await browser.evaluate(isTooWide)), `scrolls sideways at ${width} pixels`);
-        }
-      }
-    }));
+testInChromium("very many flags and very long names leave the page alive", async (browser) => {
+  const flags = Array.from({ length: 130_000 }, (_, i) => `.flag FLAG_${i}`);
+  flags[7] = `.flag ${"LONG".repeat(25_000)}`;
+  await give(browser, backup, write("many/scr_flags.asm", flags.join("\n")), ...sources.slice(1), ...included);
+  await browser.waitForText(/Game flags of savegame.dat: 130,000 of 130,000[^]*^129,700 more are not shown/m);
+  await browser.click("Search items and flags");
+  await browser.type("flag_129999");
+  await browser.waitForText(/Game flags of savegame.dat: 1 of 130,000\s+Flag.*\s+FLAG_129999/);
+});
+
+/** Drops files, in Chromium as a person does, and the others by an event: no script can drop there. */
+async function drop(browser, paths) {
+  if (browser.name === "chromium") {
+    const client = await browser.page.createCDPSession();
+    const data = { items: [], files: paths, dragOperationsMask: 1 };
+    for (const type of ["dragEnter", "dragOver", "drop"]) {
+      await client.send("Input.dispatchDragEvent", { type, x: 100, y: 100, data });
+    }
+  } else {
+    const files = paths.map((each) => [basename(each), new Uint8Array(readFileSync(each))]);
+    await browser.evaluate((entries) => {
+      const dataTransfer = new DataTransfer();
+      for (const [name, bytes] of entries) dataTransfer.items.add(new File([bytes], name));
+      document.body.dispatchEvent(new DragEvent("drop", { dataTransfer, bubbles: true, cancelable: true }));
+    }, files);
+  }
 }
+
+testIn(names, "what is dropped is read, with the folders that it is in", async (browser) => {
+  const folders = [path("scripts"), path("generated")];
+  await drop(browser, [backup, ...(browser.name === "chromium" ? folders : [...sources, ...included])]);
+  await browser.waitForText(/Game flags of savegame.dat: 22 of 22[^]*World flags of savegame.dat: 30 of 30/);
+});
+
+testIn(names, "works by keyboard alone, and the focus moves to the result", async (browser) => {
+  async function goTo(pattern) {
+    for (let i = 0; i < 60 && !pattern.test(await focused(browser)); ++i) await browser.press("Tab");
+    assert.match(await focused(browser), pattern);
+  }
+  await goTo(/^Try it with examples$/);
+  await browser.press("Enter");
+  await browser.waitForText(/^Put the savegame/m);
+  await goTo(/^Put the savegame into a copy of game.reu$/);
+  await browser.press("Enter");
+  await browser.waitForText(/^Not saved yet$/m);
+  assert.equal(await focused(browser), "Not saved yet");
+  await goTo(/^Save game/);
+  const name = (await focused(browser)).slice("Save ".length);
+  await browser.press("Enter");
+  assertBytes(await browser.download(name), read("full.reu"), name);
+});
+
+testIn(names, "after Remove, the focus is on the next card", async (browser) => {
+  await give(browser, backup, other, empty);
+  for (const [removed, next] of [
+    ["savegame.dat", "other.dat"],
+    ["game.reu", "other.dat"],
+    ["other.dat", "1. Your files"],
+  ]) {
+    await browser.click(`Remove ${removed}`);
+    assert.equal(await focused(browser), next, `${removed} was removed`);
+  }
+});
+
+testIn(names, "files that are added move neither the caret nor the page, and close nothing", async (browser) => {
+  await give(browser, backup);
+  const folded = "Values whose meaning is not known";
+  await browser.click(folded);
+  await browser.click("Search items and flags");
+  await browser.type("potio");
+  await browser.press("ArrowLeft");
+  const look = () =>
+    browser.evaluate(() => {
+      const { value, selectionStart } = document.activeElement;
+      return { value, selectionStart, y: Math.round(document.activeElement.getBoundingClientRect().y) };
+    });
+  const { y } = await look();
+  await browser.upload("Choose files", [disc2, disc3, empty]);
+  await browser.type("n");
+  await untilExamined(browser, [empty]);
+  assert.deepEqual(await look(), { value: "potino", selectionStart: 5, y });
+  assert.ok(await browser.evaluateOn(folded, undefined, (summary) => summary.parentElement.open));
+});
+
+testInChromium("savegames can be looked at, compared and searched", async (browser) => {
+  await give(browser, backup, other, ...included, ...[...sources].reverse());
+  await browser.waitForText(/^Money\s+125\s+125$[^]*^Arrows\s+30$[^]*^FLAG_BRIDGE_STATE\s+5\s+0$/m, "3. Look");
+  await browser.choose("Compare it with", "other.dat");
+  await browser.waitForText(/^Disc 2: Money\s+125\s+134$/m);
+  await browser.click("Search items and flags");
+  await browser.type("bridge");
+  await browser.waitForText(/inventory: nothing found[^]*Game flags of savegame.dat: 1 of 22\s[^]*FLAG_BRIDGE_STATE/);
+  await browser.click("Look inside", "other.dat");
+  await browser.waitForText(/^Game flags of other.dat: 1 of 22/m);
+  assert.equal(await focused(browser), "3. Look and compare");
+  await browser.click("6 texts: sources of the game, or others");
+  await browser.choose("scr_flags.asm is the game’s", "another file, in generated/");
+  await browser.waitForText(/For the flags, these sources are missing: scr_flags.asm/);
+});
