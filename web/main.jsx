@@ -32,9 +32,14 @@ const given = new Map();
 /** The bytes of the result. @type {Uint8Array[]} */
 let made = [];
 
+/** Shows the state. What has the focus stays where it is on the screen, whatever is added above it. */
 function show() {
+  const focused = document.activeElement ?? document.body;
+  const top = focused.getBoundingClientRect().top;
+  document.documentElement.style.setProperty("overflow-anchor", focused === document.body ? "auto" : "none");
   render(<App state={state} send={send} effects={{ giveInput, giveExamples, save, saveAll, startOver }} />, root);
   status.textContent = state.progress;
+  if (focused !== document.body && focused.isConnected) scrollBy(0, focused.getBoundingClientRect().top - top);
 }
 
 /** @param {Action} action */

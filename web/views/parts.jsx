@@ -99,13 +99,14 @@ export function Name({ text }) {
 }
 
 /**
- * A table whose rows are arrays of cells; the first cell of a row is its heading.
+ * A table whose rows are arrays of cells; the first cell of a row is its heading. One that may have to be scrolled sideways
+ * can have the focus.
  *
  * @param {{caption: ComponentChildren, headings: string[], rows: ComponentChildren[][]}} props
  */
 export function Table({ caption, headings, rows }) {
   return (
-    <div class="scrolled">
+    <div class="scrolled" {...(headings.length > 3 && { tabIndex: 0, role: "group", "aria-label": "A wide table" })}>
       <table>
         <caption>{caption}</caption>
         <thead>

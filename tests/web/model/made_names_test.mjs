@@ -18,7 +18,7 @@ test("new images have different names, which say whose savegame is in them", () 
     const media = findMedia(stateAfter(added(...paths, "mine.dat")));
     const [from, into] = [media.at(-1), media[0]];
     const found = namesOfCopies(from, into);
-    for (const name of found) assert.match(name, / \(savegame of mine, money 40, 1970-01-01 \d\d-\d\d\)\.(reu|d64)$/);
+    for (const name of found) assert.match(name, / \(savegame of mine, money 40, 1970-01-01 [\d-]+\)\.(reu|d64)$/);
     assert.deepEqual(
       found.map((name) => name.replace(/ \(savegame .*/, "")),
       names,
