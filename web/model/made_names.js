@@ -3,7 +3,7 @@ import { lastName, withoutAdditions } from "./names.js";
 
 /** @import { Medium } from "./types.js" */
 
-const partLimit = 90; // bytes in UTF-8, so that a name of two parts has less than the 255 of file systems
+const partLimit = 80; // bytes in UTF-8, so that a name of two parts has less than the 255 of file systems
 
 /** The name without its extension, and that with its dot. @param {string} name */
 function splitExtension(name) {
