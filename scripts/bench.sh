@@ -19,13 +19,11 @@ cd "$work"
 lines() {
     awk "BEGIN { for (i = 0; i < $1; i++) printf \"$2\\n\", i, i % 200 }"
 }
-lines 700 '.flag FLAG_CHEST_TAKEN_%d' >scr_flags.asm
-lines 45 'COLLECTABLE_THING_%d = %d' >scr_collectableids.asm
-mkdir generated 20000 50000
+lines 700 '.flag FLAG_CHEST_TAKEN_%d' >flags.asm
+lines 45 'COLLECTABLE_THING_%d = %d' >ids.asm
+mkdir generated
 lines 1000 'WORLDFLAG_ROOM_VISITED_%d = WORLDFLAGS_START + %d' >generated/world.inc
-printf '#AsmSectionBegin\ninclude "world.inc"\n#AsmSectionEnd\n' >scr_globaldefines.asm
-lines 20000 '.flag FLAG_%05d' >20000/scr_flags.asm
-lines 50000 '.flag FLAG_%05d' >50000/scr_flags.asm
+printf '#AsmSectionBegin\ninclude "world.inc"\n#AsmSectionEnd\n' >world.asm
 lines 550000 'COLLECTABLE_THING_%06d = %d' >many_ids.asm
 lines 890000 '.flag FLAG_%07d' >many_flags.asm
 # A memory image of 16 MiB with pointers to 0x10000, 0x20000, 0x30000 and 0x40000
@@ -39,7 +37,7 @@ lines 890000 '.flag FLAG_%07d' >many_flags.asm
 cp game.reu copy.reu
 extract="./stashkeep extractreu game.reu out.dat"
 implant="./stashkeep implantreu savegame.dat copy.reu"
-checkSources="./stashkeep check savegame.dat scr_flags.asm scr_collectableids.asm scr_globaldefines.asm"
+checkSources="./stashkeep check savegame.dat flags.asm ids.asm world.asm"
 manyIds="./stashkeep check savegame.dat /dev/null many_ids.asm /dev/null"
 manyFlags="./stashkeep check savegame.dat many_flags.asm /dev/null /dev/null"
 
@@ -76,14 +74,17 @@ compareAfterPause() {
     other=$(cut -d ' ' -f 2 pairs | sort -g | sed -n 5p)
     row 1 "$1" "$2" "$own" "$other"
 }
-# comparePage again|once OPTION...: the page in Chromium with the native runs, for which hyperfine gets the options
+# comparePage: the page in Chromium, from bytes to bytes, with the program
 comparePage() {
-    local name native time
-    node "$project/bench/page.mjs" "$1" >page_times
-    while IFS=$'\t' read -r name native time; do
-        hyperfine "${@:2}" --export-csv times.csv "$native" >/dev/null 2>&1
-        row 1 "page: $name" "$native" "$time" "$(tail -n 1 times.csv | cut -d , -f 4)"
-    done <page_times
+    local transfer check nativeTransfer nativeCheck
+    node "$project/bench/page.mjs" >page_times
+    { read -r transfer && read -r check; } <page_times
+    hyperfine -N --warmup 3 --runs 100 --export-csv times.csv "$implant" "$extract" >/dev/null 2>&1
+    nativeTransfer=$(medians | awk '{ print $1 + $2 }')
+    row 2 "page: implant, then extract" "$implant; $extract" "$transfer" "$nativeTransfer"
+    hyperfine -N --warmup 3 --runs 1000 --export-csv times.csv true "$checkSources" >/dev/null 2>&1
+    nativeCheck=$(medians | cut -d ' ' -f 2)
+    row 2 "page: check with sources" "$checkSources" "$check" "$nativeCheck"
 }
 heading "Run after run"
 compare 2000 ./stashkeep true
@@ -96,12 +97,11 @@ compare 100 "$implant" "python3 implant.py"
 compare 30 "$manyIds" "wc many_ids.asm"
 compare 30 "$manyIds" "awk -f fill.awk many_ids.asm"
 compare 30 "$manyFlags" "wc many_flags.asm"
-comparePage again --warmup 3 --runs 100
+comparePage
 echo
 heading "Once, after a pause"
 compareAfterPause "$extract" "./least game.reu"
 compareAfterPause "$manyIds" "awk -f fill.awk many_ids.asm"
-comparePage once --runs 9 --prepare 'sleep 10'
 printf '\nMemory:\n\n'
 for run in "$extract" "$manyIds" "$manyFlags"; do
     # shellcheck disable=SC2086 # the run is words
