@@ -4,13 +4,12 @@ import { emptyState, update } from "../../../web/model/update.js";
 
 let lastId = 0;
 
-function contentsOf(path, { holds, canTake = true, refused, isText, content }) {
+function contentsOf(path, { holds, canTake = true, refused, content }) {
   const words = holds.split(" "); // one for both discs, or one for each
   const fields = new Map([["money", "40"]]);
   const disc = (state) => ({ state, damagedPages: state === "damaged" ? [1] : [], fields, bytes: [content] });
   const savegame = [disc(words[0]), disc(words.at(-1))];
   if (refused) return { kind: "refused", reason: refused };
-  if (isText) return { kind: "source" };
   if (path.endsWith(".d64")) return { kind: "floppy", disc: savegame[0], tailSize: 0 };
   if (path.endsWith(".reu")) return { kind: "memory", command: "reu", savegame, canTake };
   return path.endsWith(".dat") ? { kind: "data", savegame } : { kind: "source" };

@@ -22,7 +22,7 @@ const sets = [
 ];
 
 /** What becomes of a file by one change after the other. */
-const changes = [{ holds: "damaged" }, { isText: true }, { refused: "unreadable" }, { holds: "good" }];
+const changes = [{ holds: "damaged" }, { refused: "unreadable" }, { holds: "good" }];
 
 /** A page with its disk and its work, and what it showed before. */
 export class World {
