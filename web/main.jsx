@@ -1,12 +1,13 @@
 // The shell around the core: what happens in the browser becomes actions, and what the state asks for is done here.
 import { render } from "preact";
 import { exampleFiles, filesOfDrop, filesOfInput, readBytes } from "./files/reading.js";
-import { dataFileName, lastName, uniqueText } from "./model/names.js";
+import { outputLimit } from "./model/log.js";
+import { dataFileName, toProgramName, toTitle, uniqueText } from "./model/names.js";
 import { hasUnsaved } from "./model/result.js";
 import { toText } from "./model/report.js";
 import { emptyState, update } from "./model/update.js";
 import { examine, floppySize } from "./program/examine.js";
-import { includedPath, readFlags } from "./program/flags.js";
+import { readFlags } from "./program/flags.js";
 import { stashkeep } from "./program/stashkeep.js";
 import { extract, isEqual, takeOut, transfer } from "./program/transfer.js";
 import { App } from "./views/App.jsx";
@@ -29,7 +30,7 @@ let isSavingAll = false;
 let lastFileId = 0;
 /** What the browser gave, and the bytes that it had then, by the ids of files. @type {Map<string, Given & {bytes?: Uint8Array, content?: string}>} */
 const given = new Map();
-/** The bytes of the result. @type {Uint8Array[]} */
+/** The contents of the result. @type {Blob[]} */
 let made = [];
 
 /** Shows the state. What has the focus stays where it is on the screen, whatever is added above it. */
@@ -92,7 +93,8 @@ function runFor(purpose) {
   return async (args, files) => {
     const outcome = await stashkeep(args, files);
     const { exitStatus, output } = outcome;
-    send({ type: "programRan", entry: { purpose, args, exitStatus, output: toText(output) } });
+    const entry = { purpose, args, exitStatus, output: toText(output.subarray(0, outputLimit)), size: output.length };
+    send({ type: "programRan", entry });
     return outcome;
   };
 }
@@ -106,7 +108,8 @@ async function give(finding) {
     const facts = files.map((each) => {
       const id = `file${++lastFileId}`;
       given.set(id, each);
-      return { id, path: each.path, size: each.file.size, modified: each.file.lastModified };
+      const { path, size, modified, archive } = each;
+      return { id, path, size, modified, archive };
     });
     send({ type: "filesGiven", given: facts, leftOut });
   } catch (error) {
@@ -116,7 +119,7 @@ async function give(finding) {
 
 /** @param {HTMLInputElement} input */
 function giveInput(input) {
-  give(Promise.resolve(filesOfInput(input)));
+  give(filesOfInput(input));
   input.value = ""; // so that the same file can be chosen again
 }
 
@@ -156,9 +159,9 @@ async function findContent(id, bytes) {
 
 /** @param {string} path @param {Uint8Array} bytes @returns {Promise<Contents>} */
 async function examineSafely(path, bytes) {
-  const name = uniqueText(lastName(path), [dataFileName], (number) => `${number}-${dataFileName}`);
+  const name = uniqueText(toProgramName(path), [dataFileName], (number) => `${number}-${dataFileName}`);
   try {
-    return await examine(runFor(`Looking into ${path}`), name, bytes);
+    return await examine(runFor(`Looking into ${toTitle(path)}`), name, bytes);
   } catch (error) {
     return { kind: "refused", reason: "failed", error: String(error) };
   }
@@ -167,17 +170,21 @@ async function examineSafely(path, bytes) {
 /** @param {JobOf<"examine">} job */
 async function examineFiles(job) {
   const files = [];
+  /** @type {string[]} */
   const outdated = [];
+  let refusedSize = 0; // bytes that archives gave in vain
   for (const file of job.given) {
     const known = given.get(file.id);
     if (!known) continue; // started over meanwhile
-    const sizeBefore = [...given.values()].reduce((sum, { bytes }) => sum + (bytes?.length ?? 0), 0);
-    const { bytes, reason = "unreadable" } = await readBytes(known, sizeBefore);
     outdated.push(...(await findOutdated(state.files.filter(({ path }) => path === file.path))));
+    const kept = [...given].flatMap(([id, { bytes }]) => (bytes && !outdated.includes(id) ? bytes.length : []));
+    const sizeBefore = kept.reduce((sum, size) => sum + size, refusedSize);
+    const { bytes, reason = "unreadable" } = await readBytes(known, sizeBefore);
     const contents = bytes ? await examineSafely(file.path, bytes) : { kind: /** @type {const} */ ("refused"), reason };
     const content = bytes ? await findContent(file.id, bytes) : file.id;
     if (contents.kind !== "refused") Object.assign(known, { bytes, content });
-    files.push({ ...file, content, contents });
+    else if (file.archive) refusedSize += bytes?.length ?? 0;
+    files.push({ ...file, size: bytes?.length ?? file.size, content, contents });
   }
   send({ type: "filesExamined", job: job.id, files, outdated });
 }
@@ -203,7 +210,7 @@ async function make({ id, from, into, names }) {
     const outdated = await findOutdated([...from.files, ...(into?.files ?? [])]);
     if (outdated.length > 0) return send({ type: "makingFailed", job: id, outdated });
     const files = into ? await transfer(run, images[0], images[1], names) : await takeOut(run, images[0], names);
-    made = files.map(({ bytes }) => bytes);
+    made = files.map(({ bytes }) => toBlob(bytes));
     const facts = files.map(({ bytes, ...file }) => ({ ...file, size: bytes.length }));
     send({ type: "filesMade", job: id, files: facts });
   } catch (error) {
@@ -220,27 +227,20 @@ async function make({ id, from, into, names }) {
 async function readFlagsOf({ id: job, key, medium, main, included }) {
   const run = runFor("Reading the flags");
   const bytesOrNone = (/** @type {FileFacts} */ { id }) => given.get(id)?.bytes ?? new Uint8Array();
-  const files = Object.fromEntries([
-    ...included.map((file) => [includedPath(file.path), bytesOrNone(file)]).reverse(), // so that the first of a name counts
-    ...main.map((file) => [file.name, bytesOrNone(file)]),
-  ]);
+  const mainSources = main.map((file) => ({ path: file.name, bytes: bytesOrNone(file) }));
+  const others = included.map((file) => ({ path: file.path, bytes: bytesOrNone(file) }));
   const data = await extract(run, imagesOf(medium));
-  send({
-    type: "flagsRead",
-    job,
-    key,
-    ...(await readFlags(
-      run,
-      data,
-      main.map(({ name }) => name),
-      files,
-    )),
-  });
+  send({ type: "flagsRead", job, key, ...(await readFlags(run, data, mainSources, others)) });
 }
 
-/** Has the browser save bytes under a name. @param {Uint8Array} bytes @param {string} name */
+/** Bytes that are no text, so that no browser adds an extension to their name. @param {Uint8Array} bytes */
+function toBlob(bytes) {
+  return new Blob([/** @type {Uint8Array<ArrayBuffer>} */ (bytes)], { type: "application/octet-stream" });
+}
+
+/** Has the browser save bytes under a name. @param {Blob} bytes @param {string} name */
 function download(bytes, name) {
-  const url = URL.createObjectURL(new Blob([/** @type {Uint8Array<ArrayBuffer>} */ (bytes)]));
+  const url = URL.createObjectURL(bytes);
   const link = document.createElement("a");
   // eslint-disable-next-line no-restricted-syntax -- a link to the page's own bytes, which the browser saves
   link.href = url;

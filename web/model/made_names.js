@@ -1,15 +1,9 @@
 // The names of the files that the page makes: they say what is in them and where it came from, and never grow.
-import { lastName, withoutAdditions } from "./names.js";
+import { cutToBytes, lastName, splitExtension, withoutAdditions } from "./names.js";
 
 /** @import { Medium } from "./types.js" */
 
 const partLimit = 80; // bytes in UTF-8, so that a name of two parts has less than the 255 of file systems
-
-/** The name without its extension, and that with its dot. @param {string} name */
-function splitExtension(name) {
-  const [, stem = "", extension = ""] = /^(.*?)(\.[^.]*)?$/s.exec(name) ?? [];
-  return { stem, extension };
-}
 
 /**
  * A part of a name without what some system does not allow in names, and without what changes their direction.
@@ -18,15 +12,10 @@ function splitExtension(name) {
  */
 function toPart(text) {
   const allowed = text
-    .replace(/[\u200e\u200f\u202a-\u202e\u2066-\u2069\ufeff]/g, "")
-    .replace(/[\p{Cc}<>:"/\\|?*]/gu, "_")
+    .replace(/[\u061c\u200b-\u200f\u2028-\u202e\u2060-\u2069\ufeff]/g, "")
+    .replace(/[\p{Cc}\p{Cs}<>:"/\\|?*]/gu, "_")
     .replace(/^[\s.]+|[\s.]+$/g, "");
-  let part = "";
-  for (const character of allowed) {
-    if (new TextEncoder().encode(part + character).length > partLimit) break;
-    part += character;
-  }
-  return part.trim() || "file";
+  return cutToBytes(allowed, partLimit).trim() || "file";
 }
 
 /** @param {number} time */

@@ -40,12 +40,13 @@
  * @property {number} size in bytes
  * @property {number} modified the time of its last change, as browsers tell it
  * @property {string} batch files of one batch were given together
+ * @property {string} [archive] the path of the archive in which it is
  * @property {string} content
  * @property {boolean} isOutdated
  * @property {Contents} contents
  */
 
-/** @typedef {Pick<FileFacts, "id" | "path" | "size" | "modified">} GivenFile */
+/** @typedef {Pick<FileFacts, "id" | "path" | "size" | "modified" | "archive">} GivenFile */
 /** @typedef {GivenFile & Pick<FileFacts, "content" | "contents">} ExaminedFile */
 
 /** @typedef {2 | 3} DiscNumber */
@@ -116,14 +117,15 @@
 /** @typedef {{game: Flag[], world: Flag[]}} Flags */
 
 /**
- * The flags of a medium, read with certain sources, which the `key` says. Without flags, the output says why.
- * @typedef {object} FlagReport
- * @property {string} key
- * @property {string} medium its id
- * @property {boolean} isReading
- * @property {Flags} [flags]
- * @property {string} [output]
- * @property {string[]} [missing] the paths that the program did not find
+ * What came of reading flags. Without flags, the output says why, or it is unclear where names end and values begin.
+ * Included files that were not found stand `missing`; others are used by their last names.
+ * @typedef {{flags?: Flags, output: string, missing: string[], standIns: {path: string, name: string}[],
+ *   isUnclear: boolean}} FlagReading
+ */
+
+/**
+ * The flags of a medium, read with certain sources, which the `key` says.
+ * @typedef {{key: string, medium: string, isReading: boolean} & Partial<FlagReading>} FlagReport
  */
 
 /** @typedef {"scr_flags.asm" | "scr_collectableids.asm" | "scr_globaldefines.asm"} SourceRole */
@@ -141,12 +143,16 @@
  *     {kind: "replaced", old: FileFacts, file: FileFacts}
  *   | {kind: "nothingGiven"}
  *   | {kind: "leftOut", count: number}
+ *   | {kind: "ignored", paths: string[]}
  *   | {kind: "failed", error: string}
  *   | {kind: "notMade", error?: string, outdated: FileFacts[]}
  *   | {kind: "madeInVain"})} Notice
  */
 
-/** @typedef {{purpose: string, args: string[], exitStatus: number, output: string}} LogEntry */
+/**
+ * A run of the program, and the beginning of what it printed, which had `size` bytes.
+ * @typedef {{purpose: string, args: string[], exitStatus: number, output: string, size: number}} LogEntry
+ */
 
 /**
  * Everything that the page knows.

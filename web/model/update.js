@@ -15,12 +15,13 @@ import {
   newDataFile,
   titleOf,
 } from "./media.js";
+import { withEntry } from "./log.js";
 import { nameOfBackup, namesOfCopies } from "./made_names.js";
-import { dataFileName, insertBeforeExtension, lastName, uniqueText } from "./names.js";
+import { dataFileName, insertBeforeExtension, isolate, toProgramName, toTitle, uniqueText } from "./names.js";
 import { exchangeDiscs, guessPairs, placeDisc, renewInPairs, replaceInPairs, withoutEmptyPairs } from "./pairs.js";
 import { canBeSource, findSources, giveRole, guessSources, replaceInSources } from "./sources.js";
 
-/** @import { ChoiceName, DiscNumber, ExaminedFile, FileFacts, Flags, GivenFile, Job, LogEntry, MadeFile } from "./types.js" */
+/** @import { ChoiceName, DiscNumber, ExaminedFile, FileFacts, FlagReading, GivenFile, Job, LogEntry, MadeFile } from "./types.js" */
 /** @import { Notice, Option, SourceRole, State } from "./types.js" */
 
 /** @type {State} */
@@ -87,12 +88,10 @@ function letterOf(number) {
 
 /** @param {State} state @param {FileFacts} file @returns {State} */
 function addFile(state, file) {
-  const title = uniqueText(
-    file.path,
-    state.files.map((other) => other.title),
-    (number) => `${file.path} (${number})`,
-  );
-  const plain = lastName(file.path);
+  const plainTitle = toTitle(file.path);
+  const titles = state.files.map((other) => other.title);
+  const title = uniqueText(plainTitle, titles, (number) => `${plainTitle} (${number})`);
+  const plain = toProgramName(file.path);
   const names = [dataFileName, ...state.files.map((other) => other.name)];
   const name = uniqueText(plain, names, (number) => insertBeforeExtension(plain, `-${letterOf(number)}`));
   return { ...state, files: [...state.files, { ...file, title, name }] };
@@ -100,15 +99,15 @@ function addFile(state, file) {
 
 /** @param {State} state @param {FileFacts} old @param {FileFacts} file @returns {State} */
 function replaceFile(state, old, file) {
-  const { title, name } = old;
+  const renewed = { ...file, title: old.title, name: old.name };
   const isFloppy = file.contents.kind === "floppy"; // it may be cut off now
   const next = {
     ...state,
-    files: state.files.map((other) => (other === old ? { ...file, title, name } : other)),
+    files: state.files.map((other) => (other === old ? renewed : other)),
     pairs: isFloppy ? renewInPairs(state.pairs, old.id, file.id) : replaceInPairs(state.pairs, old.id),
     sources: replaceInSources(state.sources, old.id, canBeSource(file) ? file.id : undefined),
   };
-  return withNotice(next, { kind: "replaced", old, file });
+  return withNotice(next, { kind: "replaced", old, file: renewed });
 }
 
 /**
@@ -140,13 +139,20 @@ function isSameFile(other, file) {
   return isUsable && other.content === file.content && other.modified === file.modified;
 }
 
+/** Whether a file is a picture, a document or the like, of which nobody wants to hear. @param {ExaminedFile} file */
+function isIgnored({ contents }) {
+  return contents.kind === "refused" && contents.reason === "ignored";
+}
+
 /** @param {State} state @param {{job: string, files: ExaminedFile[], outdated: string[]}} action @returns {State} */
 function filesExamined(state, { job, files, outdated }) {
   if (!state.jobs.some(({ id }) => id === job)) return state; // started over meanwhile
   const ended = withoutJob(state, job);
   let next = { ...ended, files: markOutdated(ended.files, outdated) };
   const before = next.files;
-  for (const examined of files) {
+  const ignored = files.filter(isIgnored).map(({ path }) => path);
+  if (ignored.length > 0) next = withNotice(next, { kind: "ignored", paths: ignored });
+  for (const examined of files.filter((each) => !isIgnored(each))) {
     const file = { ...examined, batch: job, title: "", name: "", isOutdated: false };
     const earlier = before.filter(({ path }) => path === file.path);
     const isOnlyOne = files.filter(({ path }) => path === file.path).length === 1;
@@ -241,8 +247,7 @@ function withoutLostChoices(before, state) {
     gone[name] = medium && titleOf(medium);
   }
   const from = findMedium(state, choices.from);
-  const isUseless = choices.into === newDataFile && (!from || from.kind === "data");
-  if (isUseless) choices.into = undefined;
+  if (choices.into === newDataFile && !from?.canTake) choices.into = undefined;
   if (choices.compared === choices.shown) choices.compared = undefined;
   return { ...state, choices, gone };
 }
@@ -317,7 +322,7 @@ function withoutLostResult(before, state) {
   const begun = before.jobs[0]?.id;
   const jobs = state.jobs.filter((job) => job.id === begun || job.kind !== "make" || isOfChoices(state, job));
   if (!result || isOfChoices(state, result)) return { ...state, jobs };
-  const names = result.files.map(({ name }) => name).join(" and ");
+  const names = result.files.map(({ name }) => isolate(name)).join(" and ");
   return { ...state, jobs, result: undefined, gone: { ...gone, result: names } };
 }
 
@@ -349,7 +354,7 @@ function withFlags(state) {
 
 /**
  * @param {State} state
- * @param {{job: string, key: string, flags?: Flags, output: string, missing: string[]}} action
+ * @param {{job: string, key: string} & FlagReading} action
  * @returns {State}
  */
 function flagsRead(state, { job, key, ...read }) {
@@ -371,7 +376,7 @@ function jobFailed(state, { job: id, error }) {
   const job = state.jobs.find((other) => other.id === id);
   if (!job) return state;
   if (job.kind !== "readFlags") return withNotice(withoutJob(state, id), { kind: "failed", error });
-  return flagsRead(state, { job: id, key: job.key, output: error, missing: [] });
+  return flagsRead(state, { job: id, key: job.key, output: error, missing: [], standIns: [], isUnclear: false });
 }
 
 /** What each event does. "Chosen" and "Asked" are the person's, the others are those of the page's work. */
@@ -435,7 +440,7 @@ const changes = {
   /** @param {State} state @param {{text: string}} action */
   progressMade: (state, { text }) => (state.jobs.length > 0 ? { ...state, progress: text } : state),
   /** @param {State} state @param {{entry: LogEntry}} action */
-  programRan: (state, { entry }) => ({ ...state, log: [...state.log, entry] }),
+  programRan: (state, { entry }) => ({ ...state, log: withEntry(state.log, entry) }),
 };
 
 /**

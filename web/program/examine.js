@@ -1,7 +1,8 @@
 // What a file is, by its size and contents and by what the program says about it.
 import { hasSavegame } from "../model/media.js";
-import { dataFileName } from "../model/names.js";
+import { dataFileName, extensionOf } from "../model/names.js";
 import { parseReport } from "../model/report.js";
+import { kindByBeginning, kindByExtension, kindBySize } from "./kinds.js";
 import { dataFileSize, keepsSavegame, tryToExtract } from "./transfer.js";
 
 /** @import { Contents, Savegame } from "../model/types.js" */
@@ -10,7 +11,6 @@ import { dataFileSize, keepsSavegame, tryToExtract } from "./transfer.js";
 // In bytes
 export const floppySize = 196_608;
 const errorBytesSize = 768;
-const floppySizesOf35Tracks = [174_848, 175_531];
 const leastExpansionSize = 65_536;
 const textSizeLimit = 4 * 1024 * 1024; // larger files are no sources
 
@@ -31,11 +31,6 @@ function isText(bytes) {
   return asciiCount > bytes.length / 2;
 }
 
-/** @param {string} name */
-function extensionOf(name) {
-  return name.split(".").at(-1)?.toLowerCase() ?? "";
-}
-
 /** The savegame in a data file. @param {Run} run @param {Uint8Array} data @returns {Promise<Savegame>} */
 async function inspect(run, data) {
   const { output } = await run(["check", dataFileName], { [dataFileName]: data });
@@ -53,10 +48,12 @@ async function examineFloppy(run, name, bytes) {
 
 /** Why a file that is no medium cannot be used. @param {number} size @param {string} extension */
 function findReason(size, extension) {
+  if (size === 0) return "empty";
+  const known = kindBySize(size);
+  if (known) return known;
   const isPowerOfTwo = Number.isInteger(Math.log2(size));
   if (size >= leastExpansionSize && (isPowerOfTwo || memoryExtensions.includes(extension))) return "noPlace";
-  if (size === 0) return "empty";
-  return extension === "d64" ? "oddFloppy" : "unknown";
+  return kindByExtension(extension) ?? "unknown";
 }
 
 /** @param {Run} run @param {string} name @param {Uint8Array} bytes @returns {Promise<Contents>} */
@@ -77,8 +74,13 @@ async function examineMemoryImage(run, name, bytes) {
 export async function examine(run, name, bytes) {
   const size = bytes.length;
   if (size === floppySize || size === floppySize + errorBytesSize) return examineFloppy(run, name, bytes);
-  if (floppySizesOf35Tracks.includes(size)) return { kind: "refused", reason: "tracks35" };
-  if (size <= textSizeLimit && isText(bytes)) return { kind: "source" };
+  const beginning = kindByBeginning(bytes);
+  const isOfText = size <= textSizeLimit && !kindBySize(size) && isText(bytes);
+  if (beginning || isOfText) {
+    const isIgnored = kindByExtension(extensionOf(name)) === "ignored";
+    if (isIgnored) return { kind: "refused", reason: "ignored" };
+    return beginning ? { kind: "refused", reason: beginning } : { kind: "source" };
+  }
   if (size !== dataFileSize) return examineMemoryImage(run, name, bytes);
   return { kind: "data", savegame: await inspect(run, bytes) };
 }

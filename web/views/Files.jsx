@@ -13,6 +13,9 @@ import { Damages, Remarks, Summary } from "./savegames.jsx";
 
 /** @typedef {{state: State, titles: Map<string, string>, send: Send}} Common */
 
+const unpackIt = "Unpack it yourself, and add the files that are in it.";
+const needed = "add disc 2 and disc 3 of the game, or the memory expansion";
+
 /** Why a file cannot be used, and what to do. @param {FileFacts} file */
 function describeProblem({ size, contents }) {
   if (contents.kind !== "refused") return "";
@@ -20,13 +23,26 @@ function describeProblem({ size, contents }) {
     tracks35:
       "A floppy disc of 35 tracks. The game uses discs of 40 tracks, so its savegame cannot be here: use the original " +
       "file, which has 196,608 bytes.",
+    tracks42: "A floppy disc of 42 tracks. The game uses discs of 40 tracks: use a .d64 file that has 196,608 bytes.",
+    otherDisc: "A disc of another drive, or in another format. The game’s discs are .d64 files of 196,608 bytes.",
+    snapshot:
+      "A snapshot of an emulator. Load it there, save the memory expansion into a file, or use the disc images.",
+    cartridge: `A cartridge. No savegame is kept there: ${needed}.`,
+    tape: `A tape. No savegame is kept there: ${needed}.`,
+    program: `A program, or music. No savegame is kept there: ${needed}.`,
+    otherArchive: `An archive of a kind that this page cannot open. ${unpackIt}`,
+    nestedArchive: `An archive in an archive. ${unpackIt}`,
+    damagedArchive: "It cannot be unpacked: the archive is damaged or incomplete. Copy or download the archive again.",
+    emptyArchive: "There is no file in this archive.",
+    encrypted: "It is encrypted. Unpack the archive yourself, with its password, and add the files that are in it.",
+    otherPacking: "It is packed in a way that this page cannot read. Unpack the archive yourself, and add the files.",
     noPlace:
       "This seems to be a memory expansion, but it has no place for a savegame. Start the game once with it, let the " +
       "emulator save the expansion, close the emulator, and add the file again.",
     empty: "This file is empty: it has 0 bytes. Copy or download it again.",
     oddFloppy: `It has ${formatSize(size)}, which is no size of a floppy disc. It may be cut off: copy or download it again.`,
     unknown: `It has ${formatSize(size)}, and is neither a floppy disc, a memory expansion, a backup nor a source of the game.`,
-    tooLarge: `It is too large: it has ${formatSize(size)}; at most 256 MiB can be read.`,
+    tooLarge: "It is too large: at most 256 MiB can be read.",
     noRoom: "There is no room for it: all files together can have 512 MiB. Remove others first.",
     unreadable: "It cannot be read. If it is a folder, choose it with the button “Choose a folder”.",
     failed: `The program could not look into it. ${contents.error}`,

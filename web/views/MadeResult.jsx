@@ -1,4 +1,5 @@
 // What a transfer has made: first the buttons to save it, then what to do next and what was compared.
+import { isolate } from "../model/names.js";
 import { countSaved, isHalfSaved } from "../model/result.js";
 import { ConcernText } from "./concerns.jsx";
 import { countOf, formatNumber, formatSize, shortTitleOf } from "./parts.jsx";
@@ -12,7 +13,7 @@ function proofsOf({ files, into, fromTitle, intoTitle, hasBackup }) {
   if (!into)
     return [`In a copy of ${fromTitle} that had another savegame, this file restored the savegame completely.`];
   const changes = files.slice(0, into.files.length).map(({ name, size, changedBytes, tailSize }) => {
-    const change = `${formatNumber(changedBytes)} of the ${formatSize(size)} of “${name}” are new.`;
+    const change = `${formatNumber(changedBytes)} of the ${formatSize(size)} of “${isolate(name)}” are new.`;
     const tail = `Its last ${tailSize} bytes, notes about errors of the original disc, are unchanged.`;
     return tailSize > 0 ? `${change} ${tail}` : change;
   });
@@ -20,7 +21,9 @@ function proofsOf({ files, into, fromTitle, intoTitle, hasBackup }) {
     `What comes out of the copy is the savegame of ${fromTitle}: all 1,024 bytes are equal.`,
     ...changes,
     `With the old savegame put back, the copy equals ${intoTitle}: nothing but the savegame has changed.`,
-    ...(hasBackup ? [`The same step shows that “${files.at(-1)?.name}” restores the old savegame completely.`] : []),
+    ...(hasBackup
+      ? [`The same step shows that “${isolate(files.at(-1)?.name ?? "")}” restores the old savegame completely.`]
+      : []),
   ];
 }
 
@@ -28,11 +31,15 @@ function proofsOf({ files, into, fromTitle, intoTitle, hasBackup }) {
 function nextSteps({ files, into, intoTitle, hasBackup }) {
   if (!into) return ["Keep the backup. Give it to this page whenever you want to put the savegame back."];
   const news = into.files.length > 1 ? "files" : "file";
+  const isInArchive = into.files.some(({ archive }) => archive !== undefined);
   return [
     "Close the emulator first. When it ends, it may write its own contents over a file.",
     `In the emulator, choose the new ${news} where ${intoTitle} was chosen until now. Do not copy anything over ${intoTitle}.`,
+    ...(isInArchive
+      ? [`The new ${news} will be saved beside the archive, not in it: use them without the archive.`]
+      : []),
     hasBackup
-      ? `The old savegame stays in ${intoTitle}, and “${files.at(-1)?.name}” is a backup of it, once you have saved that. Keep at least one of the two. To get it back, use ${intoTitle} again, or give the backup to this page.`
+      ? `The old savegame stays in ${intoTitle}, and “${isolate(files.at(-1)?.name ?? "")}” is a backup of it, once you have saved that. Keep at least one of the two. To get it back, use ${intoTitle} again, or give the backup to this page.`
       : `Keep ${intoTitle} until the game has loaded the savegame.`,
   ];
 }
@@ -84,7 +91,7 @@ export function MadeResult({ result, titles, onSave, onSaveAll }) {
         {files.map(({ name, isSaved }, i) => (
           <li key={i}>
             <button type="button" class={hasMore ? "" : "main"} onClick={() => onSave(i)}>
-              Save {name}
+              Save {isolate(name)}
             </button>
             <span class={isSaved ? "saved" : "unsaved"}>{isSaved ? "✓ sent to your downloads" : "not saved yet"}</span>
           </li>

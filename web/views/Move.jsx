@@ -19,13 +19,16 @@ import { describeHolding, Differences, Remarks } from "./savegames.jsx";
 
 /** @typedef {{state: State, titles: Map<string, string>, send: Send}} Common */
 
+const overItself =
+  "The savegame there lies over itself, or over the table that says where it is: nothing could prove that it is complete.";
+
 /** @type {Record<NonNullable<Option["refusal"]>, string>} */
 const refusals = {
   same: "Both discs have the same contents.",
   outdated: "It has changed on the disk: add it again.",
   noSavegame: "It has no savegame.",
   noSavegameAnywhere: "There is no savegame here: save in the game first.",
-  noPlace: "There is no place for a savegame.",
+  noPlace: overItself,
 };
 
 /**
@@ -182,6 +185,7 @@ export function Move({ state, titles, send }) {
     id: newDataFile,
     title: "Only a backup file",
     details: "a new small file, which this page can put back",
+    refusal: from?.canTake ? undefined : overItself,
   };
   const images = toRows(findIntoOptions(state), (medium) => describeLoss(from, medium));
   const intoRows = from && from.kind !== "data" ? [...images, dataFile] : images;

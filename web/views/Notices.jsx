@@ -1,4 +1,5 @@
 // What the person has to know about what has just happened.
+import { toTitle } from "../model/names.js";
 import { formatNumber, formatTime, goTo } from "./parts.jsx";
 
 /** @import { Notice, State } from "../model/types.js" */
@@ -21,12 +22,14 @@ function textOf(notice) {
   switch (notice.kind) {
     case "replaced":
       return notice.old.contents.kind === "refused"
-        ? `${notice.file.path} was added again, in place of the one that could not be used.`
+        ? `${notice.file.title} was added again, in place of the one that could not be used.`
         : `${notice.old.title} of ${formatTime(notice.old.modified)} has changed on the disk. The file of this name that you added now, of ${formatTime(notice.file.modified)}, is in its place. If that is another file, add the first one again, too.`;
     case "nothingGiven":
       return "There are no files in it.";
     case "leftOut":
-      return `There are too many files in this folder: ${formatNumber(notice.count)} of them were left out. Add single files instead.`;
+      return `There are too many files: ${formatNumber(notice.count)} of them, the least likely ones, were left out. Add single files instead.`;
+    case "ignored":
+      return `Ignored, since a savegame is never in such a file: ${notice.paths.map(toTitle).join(", ")}.`;
     case "madeInVain":
       return "While the new files were made, something else was chosen. They are not offered: press the button again.";
     case "failed":
@@ -59,7 +62,7 @@ export function Notices({ state, send }) {
         ))}
       {doubles.length > 0 && (
         <div class="note">
-          In the list already, with the same date and contents: {doubles.map(({ path }) => path).join(", ")}.{" "}
+          In the list already, with the same date and contents: {doubles.map(({ path }) => toTitle(path)).join(", ")}.{" "}
           <button type="button" onClick={() => act({ type: "doublesAdded" })}>
             Add all the same
           </button>

@@ -1,6 +1,7 @@
 // What a savegame holds, alone or beside another one: values, items and flags.
 import { compareFlags } from "../model/compare.js";
 import { findMedia, findMedium, hasSavegame } from "../model/media.js";
+import { toTitle } from "../model/names.js";
 import { findRows } from "../model/search.js";
 import { findSources, sourceRoles } from "../model/sources.js";
 import { isLikelyUsed, itemName, otherValueNames, valueNames } from "../model/values.js";
@@ -129,7 +130,7 @@ function FlagTable({ title, flags, headings, search }) {
  * @param {FlagReport} [report]
  */
 function findFlagProblems(state, medium, report) {
-  const { flags, missing = [] } = report ?? {};
+  const { flags, missing = [], standIns = [], isUnclear } = /** @type {Partial<FlagReport>} */ (report ?? {});
   const { main } = findSources(state);
   const absent = sourceRoles.filter((_, i) => !main[i]);
   const problems = [];
@@ -139,8 +140,14 @@ function findFlagProblems(state, medium, report) {
     problems.push(`For the flags, these sources are missing: ${absent.join(", ")}.`);
   }
   if (missing.length > 0)
-    problems.push(`Looked for and not found: ${missing.join(", ")}. Add the whole folder generated.`);
-  if (report && !report.isReading && !flags) problems.push("The flags could not be read from these sources.");
+    problems.push(`Looked for and not found: ${missing.map(toTitle).join(", ")}. Add the whole folder generated.`);
+  for (const { path, name } of standIns)
+    problems.push(`${toTitle(path)} is not there: ${toTitle(name)} is used in its place.`);
+  if (isUnclear) {
+    problems.push("A name in these sources may have a line break in it: nobody can tell the flags from their values.");
+  } else if (report && !report.isReading && !flags) {
+    problems.push("The flags could not be read from these sources.");
+  }
   if (flags?.game.length === 0) problems.push("No game flags were found: is the right file used as scr_flags.asm?");
   if (flags?.world.length === 0) {
     problems.push("No world flags were found: is the right file used as scr_globaldefines.asm?");
