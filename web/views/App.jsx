@@ -10,6 +10,7 @@ import { Lost, Notices } from "./Notices.jsx";
 import { Part } from "./parts.jsx";
 import { Report } from "./Report.jsx";
 
+/** @import { ComponentChildren } from "preact" */
 /** @import { LogEntry, State } from "../model/types.js" */
 /** @import { Action } from "../model/update.js" */
 
@@ -43,9 +44,11 @@ function DropZone({ hasFiles, effects }) {
           <ul>
             <li>floppy discs: the .d64 files of disc 2 and disc 3 of the game</li>
             <li>
-              memory expansions: the file in which the emulator keeps a REU, GeoRAM or NeoRAM, or a .ybn or .fbn file
+              memory expansions, which emulators call REU, GeoRAM or NeoRAM: the file in which the emulator keeps one;
+              files that end in .ybn or .fbn, too
             </li>
             <li>backups of a savegame: .dat files that this page or the program has made</li>
+            <li>folders, and .zip or .gz files, with any of these in them</li>
           </ul>
         </>
       )}
@@ -70,12 +73,27 @@ function DropZone({ hasFiles, effects }) {
   );
 }
 
+/**
+ * A section whose heading can have the focus.
+ *
+ * @param {{id: string, title: string, isBusy?: boolean, children: ComponentChildren}} props
+ */
+function Section({ id, title, isBusy = false, children }) {
+  return (
+    <section aria-labelledby={id} aria-busy={isBusy}>
+      <h2 id={id} tabIndex={-1}>
+        {title}
+      </h2>
+      {children}
+    </section>
+  );
+}
+
 /** @param {{log: LogEntry[]}} props */
 function LogSection({ log }) {
   const [isOpen, setOpen] = useState(false);
   return (
-    <section aria-labelledby="log-heading">
-      <h2 id="log-heading">For experts</h2>
+    <Section id="log-heading" title="For experts">
       <details onToggle={(event) => setOpen(event.currentTarget.open)}>
         <summary>Every command that was run, and exactly what the program printed</summary>
         <p>
@@ -84,7 +102,7 @@ function LogSection({ log }) {
         </p>
         <Log log={log} isOpen={isOpen} />
       </details>
-    </section>
+    </Section>
   );
 }
 
@@ -95,10 +113,7 @@ export function App({ state, send, effects }) {
   const hasMedia = findMedia(state).length > 0;
   return (
     <>
-      <section aria-labelledby="files-heading" aria-busy={jobs.length > 0}>
-        <h2 id="files-heading" tabIndex={-1}>
-          1. Your files
-        </h2>
+      <Section id="files-heading" title="1. Your files" isBusy={jobs.length > 0}>
         <DropZone hasFiles={files.length > 0} effects={effects} />
         <Part on={[notices, doubles]}>
           <Notices state={state} send={send} />
@@ -107,12 +122,9 @@ export function App({ state, send, effects }) {
         <Part on={[files, pairs, sources]}>
           <Files state={state} titles={titles} send={send} onStartOver={effects.startOver} />
         </Part>
-      </section>
+      </Section>
       {hasMedia && (
-        <section aria-labelledby="move-heading">
-          <h2 id="move-heading" tabIndex={-1}>
-            2. Move a savegame
-          </h2>
+        <Section id="move-heading" title="2. Move a savegame">
           <Part on={[files, pairs, choices, gone, notices, jobs, result]}>
             <Move state={state} titles={titles} send={send} />
           </Part>
@@ -128,17 +140,14 @@ export function App({ state, send, effects }) {
               />
             )}
           </Part>
-        </section>
+        </Section>
       )}
       {hasMedia && (
-        <section aria-labelledby="look-heading">
-          <h2 id="look-heading" tabIndex={-1}>
-            3. Look and compare
-          </h2>
+        <Section id="look-heading" title="3. Look and compare">
           <Part on={[files, pairs, sources, choices.shown, choices.compared, gone, flagReports, search]}>
             <Report state={state} titles={titles} send={send} />
           </Part>
-        </section>
+        </Section>
       )}
       {log.length > 0 && (
         <Part on={[log]}>

@@ -7,6 +7,7 @@ import { sourceRoles } from "../model/sources.js";
 import { Choice, countOf, Fold, formatNumber, formatSize, formatTime, goTo, Short, shortTitleOf } from "./parts.jsx";
 import { Damages, Remarks, Summary } from "./savegames.jsx";
 
+/** @import { ComponentChildren } from "preact" */
 /** @import { DiscNumber, FileFacts, Medium, Pair, Place, SourceRole, State } from "../model/types.js" */
 /** @import { Card } from "../model/cards.js" */
 /** @import { Send } from "./App.jsx" */
@@ -74,6 +75,26 @@ function RemoveButton({ files, send }) {
     <button type="button" class="quiet" aria-label={name} onClick={remove}>
       Remove
     </button>
+  );
+}
+
+/**
+ * A card that can have the focus, with a heading and the button that removes its files.
+ *
+ * @param {{title: ComponentChildren, files: FileFacts[], send: Send, children: ComponentChildren}} props
+ */
+function FileCard({ title, files, send, children }) {
+  return (
+    <li class="card file" tabIndex={-1}>
+      <div class="file-head">
+        <h3>{title}</h3>
+        <RemoveButton files={files} send={send} />
+      </div>
+      {files.map((file) => (
+        <Outdated key={file.id} file={file} />
+      ))}
+      {children}
+    </li>
   );
 }
 
@@ -169,19 +190,12 @@ function PairCard({ state, titles, pair, send }) {
   const position = state.pairs.length > 1 ? `, pair ${state.pairs.indexOf(pair) + 1}` : "";
   const discs = files.flatMap(({ contents }) => (contents.kind === "floppy" ? contents.disc : []));
   return (
-    <li class="card file" tabIndex={-1}>
-      <div class="file-head">
-        <h3>Two floppy discs{position}</h3>
-        <RemoveButton files={files} send={send} />
-      </div>
+    <FileCard title={`Two floppy discs${position}`} files={files} send={send}>
       <ul class="discs">
         {discNumbers.map((disc) => (
           <DiscLine key={disc} state={state} titles={titles} pair={pair} disc={disc} send={send} />
         ))}
       </ul>
-      {files.map((file) => (
-        <Outdated key={file.id} file={file} />
-      ))}
       {medium ? <Contents state={state} titles={titles} medium={medium} send={send} /> : <Summary discs={discs} />}
       {medium?.isSame && (
         <p class="warning">Both discs have the same contents: one of them is the wrong file. Nothing can be moved.</p>
@@ -197,7 +211,7 @@ function PairCard({ state, titles, pair, send }) {
           </button>
         )}
       </Fold>
-    </li>
+    </FileCard>
   );
 }
 
@@ -207,20 +221,13 @@ function MediumCard({ state, titles, file, send }) {
   const kind = file.contents.kind === "memory" ? "Memory expansion" : "Backup of a savegame";
   const isEmpty = medium && !hasSavegame(medium.savegame);
   return (
-    <li class="card file" tabIndex={-1}>
-      <div class="file-head">
-        <h3>
-          <Short titles={titles} title={file.title} />
-        </h3>
-        <RemoveButton files={[file]} send={send} />
-      </div>
+    <FileCard title={<Short titles={titles} title={file.title} />} files={[file]} send={send}>
       <p class="kind">
         {isEmpty && file.contents.kind === "data" ? "A file of the size of a backup" : kind}, {formatSize(file.size)},
         written {formatTime(file.modified)}
       </p>
-      <Outdated file={file} />
       {medium && <Contents state={state} titles={titles} medium={medium} send={send} />}
-    </li>
+    </FileCard>
   );
 }
 
@@ -262,17 +269,10 @@ function PlaceButtons({ state, titles, file, send }) {
 /** A floppy disc that is in no pair. @param {Common & {file: FileFacts}} props */
 function FreeFloppy({ file, ...common }) {
   return (
-    <li class="card file" tabIndex={-1}>
-      <div class="file-head">
-        <h3>
-          <Short titles={common.titles} title={file.title} />
-        </h3>
-        <RemoveButton files={[file]} send={common.send} />
-      </div>
-      <Outdated file={file} />
+    <FileCard title={<Short titles={common.titles} title={file.title} />} files={[file]} send={common.send}>
       {file.contents.kind === "floppy" && <Summary discs={[file.contents.disc]} />}
       <PlaceButtons file={file} {...common} />
-    </li>
+    </FileCard>
   );
 }
 

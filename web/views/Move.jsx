@@ -11,7 +11,7 @@ import {
   newDataFile,
 } from "../model/media.js";
 import { ConcernText } from "./concerns.jsx";
-import { goTo, joinWords, shortTitleOf, Warning } from "./parts.jsx";
+import { Gone, goTo, joinWords, shortTitleOf, Warning } from "./parts.jsx";
 import { describeHolding, Differences, Remarks } from "./savegames.jsx";
 
 /** @import { Concern, Medium, Option, State } from "../model/types.js" */
@@ -44,7 +44,7 @@ function RadioGroup({ name, legend, gone, options, chosen, onChoose }) {
   return (
     <fieldset>
       <legend>{legend}</legend>
-      {gone && <p class="warning">{gone} is no longer as it was when it was chosen. Please choose again.</p>}
+      <Gone title={gone} when="chosen" />
       {options.map(({ id, title, details, refusal }) => (
         <label key={id} class="option">
           <input
@@ -191,27 +191,29 @@ export function Move({ state, titles, send }) {
   const intoRows = from && from.kind !== "data" ? [...images, dataFile] : images;
   return (
     <>
-      <RadioGroup
-        name="from"
-        legend="From: which savegame?"
-        gone={gone.from}
-        options={toRows(fromOptions, ({ savegame }) => describeHolding(savegame))}
-        chosen={choices.from}
-        onChoose={(medium) => send({ type: "fromChosen", medium })}
-      />
+      <div class="columns">
+        <RadioGroup
+          name="from"
+          legend="From: which savegame?"
+          gone={gone.from}
+          options={toRows(fromOptions, ({ savegame }) => describeHolding(savegame))}
+          chosen={choices.from}
+          onChoose={(medium) => send({ type: "fromChosen", medium })}
+        />
+        {from && intoRows.length > 0 && (
+          <RadioGroup
+            name="into"
+            legend="Into: where shall it go?"
+            gone={gone.into}
+            options={intoRows}
+            chosen={choices.into}
+            onChoose={(medium) => send({ type: "intoChosen", medium })}
+          />
+        )}
+      </div>
       {!hasFrom && <p class="warning">To move a savegame, add the files that have it.</p>}
       {hasFrom && !from && <p>Choose which savegame it is.</p>}
       {from && intoRows.length === 0 && <p>Add the file that the savegame shall go into.</p>}
-      {from && intoRows.length > 0 && (
-        <RadioGroup
-          name="into"
-          legend="Into: where shall it go?"
-          gone={gone.into}
-          options={intoRows}
-          chosen={choices.into}
-          onChoose={(medium) => send({ type: "intoChosen", medium })}
-        />
-      )}
       {from && intoRows.length > 0 && choices.into === undefined && <p>Choose where it shall go.</p>}
       {from && choices.into !== undefined && (
         <LastStep state={state} titles={titles} from={from} into={into} send={send} />

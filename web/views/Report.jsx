@@ -5,7 +5,7 @@ import { toTitle } from "../model/names.js";
 import { findRows } from "../model/search.js";
 import { findSources, sourceRoles } from "../model/sources.js";
 import { isLikelyUsed, itemName, otherValueNames, valueNames } from "../model/values.js";
-import { Choice, countOf, formatNumber, Name, ProgramOutput, shortTitleOf, Table } from "./parts.jsx";
+import { Choice, countOf, formatNumber, Gone, Name, ProgramOutput, shortTitleOf, Table } from "./parts.jsx";
 import { Damages, Differences, Remarks, Summary } from "./savegames.jsx";
 
 /** @import { Disc, Flag, FlagReport, Medium, Savegame, Slot, State } from "../model/types.js" */
@@ -217,12 +217,6 @@ function Comparison({ state, titles, media }) {
   );
 }
 
-/** @param {{title?: string}} props what was shown, and is no longer as it was */
-function Gone({ title }) {
-  if (!title) return undefined;
-  return <p class="warning">{title} is no longer as it was when it was shown here. Please choose again.</p>;
-}
-
 /** @param {Common} props */
 export function Report({ state, titles, send }) {
   const { choices, gone, search } = state;
@@ -233,14 +227,14 @@ export function Report({ state, titles, send }) {
   const title = medium ? shortTitleOf(titles, medium) : "";
   return (
     <>
-      <Gone title={gone.shown} />
+      <Gone title={gone.shown} when="shown here" />
       <Choice
         label="Savegame in"
         options={[["", "– choose –"], ...options]}
         value={medium?.id ?? ""}
         onChoose={(id) => send({ type: "shownChosen", medium: id })}
       />
-      <Gone title={gone.compared} />
+      <Gone title={gone.compared} when="compared here" />
       {medium && media.length > 1 && (
         <Choice
           label="Compare it with"

@@ -87,6 +87,19 @@ export function Warning({ children }) {
   );
 }
 
+/** @param {{title?: string, when: string}} props the title of what was chosen, and is no longer as it was */
+export function Gone({ title, when }) {
+  return (
+    <div role="status">
+      {title && (
+        <p class="warning">
+          {title} is no longer as it was when it was {when}. Please choose again.
+        </p>
+      )}
+    </div>
+  );
+}
+
 /**
  * A name with places where a line may break. A very long one is cut: browsers take seconds to lay it out.
  *

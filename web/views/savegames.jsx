@@ -12,12 +12,19 @@ export const pageNames = ["part 1 (the flags)", "part 2 (money, lives and items)
 const differenceLimit = 100; // rows
 
 /** @param {Disc[]} discs */
+function describeItems(discs) {
+  if (discs.length === 1) return `items ${countUsedItems(discs[0])}`;
+  const counts = discs.flatMap((disc, i) => (disc.state === "none" ? [] : `${countUsedItems(disc)} on disc ${i + 2}`));
+  return `items ${counts.join(", ")}`;
+}
+
+/** @param {Disc[]} discs one disc, or disc 2 and disc 3 */
 export function describeHolding(discs) {
   const saved = discs.filter(({ state }) => state !== "none");
   if (saved.length === 0) return "no savegame";
   const values = (/** @type {string} */ name) =>
     [...new Set(saved.map(({ fields }) => fields.get(name)))].join(" and ");
-  return `money ${values("money")}, lives ${values("lives")}, items ${saved.map(countUsedItems).join(" and ")}`;
+  return `money ${values("money")}, lives ${values("lives")}, ${describeItems(discs)}`;
 }
 
 /** @param {{discs: Disc[]}} props */

@@ -1,6 +1,8 @@
 import assert from "node:assert/strict";
 import test from "node:test";
-import { insertBeforeExtension, readDiscName, uniqueText } from "../../../web/model/names.js";
+import * as allNames from "../../../web/model/names.js";
+
+const { insertBeforeExtension, readDiscName, shortenTitles, toProgramName, toTitle, uniqueText } = allNames;
 
 test("the number of a disc, and the series to which it belongs, are read from its name", () => {
   const cases = [
@@ -25,4 +27,39 @@ test("names that are taken get a number, before the extension", () => {
   assert.equal(uniqueText("my.old.reu", ["other.reu"], withNumber), "my.old.reu");
   assert.equal(uniqueText("my.old.reu", ["my.old.reu", "my.old-2.reu"], withNumber), "my.old-3.reu");
   assert.equal(insertBeforeExtension("disc", "-2"), "disc-2");
+});
+
+test("what is shown of a path can be seen, and does not change the direction of the text around it", () => {
+  const cases = [
+    { path: "my game/disc2.d64", title: "my game/disc2.d64" },
+    { path: "a\nb\t<b>'\"&.d64", title: "a␊b␉<b>'\"&.d64" },
+    { path: "gnp.\u202ereu", title: "gnp.\ufffdreu" },
+    { path: " a.reu ", title: "␠a.reu␠" },
+    { path: "משחק.reu", title: "\u2068משחק.reu\u2069" },
+  ];
+  for (const { path, title } of cases) assert.equal(toTitle(path), title);
+});
+
+test("titles are shortened to what tells them apart", () => {
+  const long = (end) => `${"a".repeat(50)}${"b".repeat(50)}${end}`;
+  const middle = (text) => `${"a".repeat(40)}${text}${"b".repeat(40)}`;
+  const cases = [
+    { titles: ["zarnis/a/disc2.d64", "zarnis/b/disc2.d64"], short: ["a/disc2.d64", "b/disc2.d64"] },
+    { titles: ["zarnis/disc2.d64", "disc3.d64"], short: ["zarnis/disc2.d64", "disc3.d64"] },
+    { titles: [long("1"), long("2")], short: ["1", "2"].map((end) => `${"a".repeat(32)}…${"b".repeat(31)}${end}`) },
+    { titles: [middle("1"), middle("2")], short: undefined }, // they would be the same
+    { titles: ["\u2068a/משחק\u2069", "a/b"], short: ["\u2068משחק\u2069", "b"] },
+  ];
+  for (const { titles, short } of cases) assert.deepEqual([...shortenTitles(titles).values()], short ?? titles);
+});
+
+test("every name becomes one that the program can have, with room for additions", () => {
+  const cases = [
+    { path: "a/disc 2.d64", name: "disc 2.d64" },
+    { path: "line\nbreak'\".reu ", name: "line\nbreak'\".reu " },
+    { path: `${"ü".repeat(125)}.reu`, name: `${"ü".repeat(100)}.reu` },
+    { path: "half \ud800 \0.reu", name: "half _ _.reu" },
+    { path: "a/..", name: "file" },
+  ];
+  for (const { path, name } of cases) assert.equal(toProgramName(path), name);
 });

@@ -1,6 +1,6 @@
 import assert from "node:assert/strict";
 import test from "node:test";
-import { parseFlagReport, parseReport } from "../../../web/model/report.js";
+import { parseReport } from "../../../web/model/report.js";
 import { changed, run, savegame } from "../program/native.mjs";
 
 async function inspect(data) {
@@ -38,24 +38,4 @@ test("the state of a disc's savegame is that of its mark and of its two checksum
   ];
   const inWords = ({ state, damagedPages }) => [state, ...damagedPages].join(" ");
   for (const { data, states } of cases) assert.equal((await inspect(data)).map(inWords).join(", "), states);
-});
-
-/** The game flags with these sources. */
-async function namesOfFlags(text) {
-  const empty = new Uint8Array();
-  const files = { data: savegame, flags: new TextEncoder().encode(text), ids: empty, globals: empty };
-  const { output } = await run(["check", "data", "flags", "ids", "globals"], files);
-  return parseFlagReport(output)?.game.map(({ name }) => name);
-}
-
-test("flags with unusual names are read, or none if their names look like other parts of the report", async () => {
-  const cases = [
-    { text: ".flag A .flag B", names: ["A", "B"] },
-    { text: "", names: [] },
-    { text: '.flag "A = 5" .flag "A = "', names: ["A = ", "A = 5"] },
-    { text: '.flag " = 1"', names: [" = 1"] },
-    { text: '.flag "A\\nB"', names: ["A\nB"] },
-    { text: '.flag "A\\n>>>DISC3 SAVEGAME CONTENTS:\\n" .flag B', names: undefined },
-  ];
-  for (const { text, names } of cases) assert.deepEqual(await namesOfFlags(text), names, text);
 });
