@@ -8,7 +8,7 @@ import { toText } from "./model/report.js";
 import { emptyState, update } from "./model/update.js";
 import { examine, floppySize } from "./program/examine.js";
 import { readFlags } from "./program/flags.js";
-import { stashkeep } from "./program/stashkeep.js";
+import { stashkeep, stopRun } from "./program/stashkeep.js";
 import { extract, isEqual, takeOut, transfer } from "./program/transfer.js";
 import { App } from "./views/App.jsx";
 import { goTo } from "./views/parts.jsx";
@@ -38,7 +38,10 @@ function show() {
   const focused = document.activeElement ?? document.body;
   const top = focused.getBoundingClientRect().top;
   document.documentElement.style.setProperty("overflow-anchor", focused === document.body ? "auto" : "none");
-  render(<App state={state} send={send} effects={{ giveInput, giveExamples, save, saveAll, startOver }} />, root);
+  render(
+    <App state={state} send={send} effects={{ giveInput, giveExamples, save, saveAll, startOver, stopRun }} />,
+    root,
+  );
   status.textContent = state.progress;
   if (focused !== document.body && focused.isConnected) scrollBy(0, focused.getBoundingClientRect().top - top);
 }

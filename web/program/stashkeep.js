@@ -77,6 +77,8 @@ let compiled; // all runs share it
 let worker; // kept for the next run, unless one fails
 /** @type {Promise<void>} */
 let previousRun = Promise.resolve();
+/** @type {((answer: Answer) => void) | undefined} */
+let endRun;
 
 function startWorker() {
   const url = URL.createObjectURL(new Blob([dataBlock("worker")], { type: "text/javascript" }));
@@ -97,6 +99,7 @@ async function runInWorker(args, files) {
   const current = worker ?? startWorker();
   /** @type {Answer} */
   const answer = await new Promise((resolve) => {
+    endRun = resolve;
     current.onmessage = ({ data }) => resolve(data);
     current.onmessageerror = () => resolve({ failure: "The result could not be received." });
     current.onerror = (event) => resolve({ failure: event.message ?? "The program could not be started." });
@@ -109,6 +112,11 @@ async function runInWorker(args, files) {
   current.terminate();
   worker = undefined;
   throw new Error(`stashkeep stopped: ${answer.failure}`);
+}
+
+/** Ends the present run, which fails then. The next one works. */
+export function stopRun() {
+  endRun?.({ failure: "You have stopped it." });
 }
 
 /**

@@ -24,6 +24,7 @@ import { Report } from "./Report.jsx";
  * @property {(index: number) => void} save a file of the result
  * @property {() => void} saveAll
  * @property {() => void} startOver
+ * @property {() => void} stopRun
  */
 
 /** @param {{hasFiles: boolean, effects: Effects}} props */
@@ -153,6 +154,11 @@ export function App({ state, send, effects }) {
         <Part on={[log]}>
           <LogSection log={log} />
         </Part>
+      )}
+      {jobs.length > 0 && (
+        <button key={jobs[0].id} type="button" class="stop" onClick={effects.stopRun}>
+          Stop
+        </button>
       )}
     </>
   );
