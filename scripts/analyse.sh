@@ -1,10 +1,11 @@
 #!/usr/bin/env bash
-# Static analysis: clang-format, clang-tidy, cppcheck and shellcheck, and for the page prettier, eslint and tsc. Any finding
-# is an error.
+# Static analysis: clang-format, clang-tidy, cppcheck and shellcheck, for the page prettier, eslint and tsc, and for the
+# width of Markdown lines mdl. Any finding is an error.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
-scripts/install.sh cmake ninja-build g++ clang clang-format clang-tidy cppcheck shellcheck libgtest-dev libbenchmark-dev
+scripts/install.sh cmake ninja-build g++ clang clang-format clang-tidy cppcheck shellcheck libgtest-dev libbenchmark-dev \
+    ruby-mdl
 scripts/install_npm.sh
 mapfile -t sources < <(git ls-files '*.cpp')
 mapfile -t headers < <(git ls-files '*.h')
@@ -12,6 +13,7 @@ mapfile -t scripts < <(git grep -lE '^#!.*(bash|sh)$' && git ls-files '*.bash')
 
 clang-format --dry-run --Werror "${sources[@]}" "${headers[@]}"
 shellcheck "${scripts[@]}"
+git ls-files -z '*.md' | xargs -0 mdl --style .mdl_style.rb
 npx prettier --check web tests/web scripts/*.mjs '*.js' '*.json'
 npx eslint --max-warnings 0 .
 npx tsc
