@@ -191,7 +191,7 @@ function PairCard({ state, titles, pair, send }) {
   const discs = files.flatMap(({ contents }) => (contents.kind === "floppy" ? contents.disc : []));
   return (
     <FileCard title={`Two floppy discs${position}`} files={files} send={send}>
-      <ul class="discs">
+      <ul role="list" class="discs">
         {discNumbers.map((disc) => (
           <DiscLine key={disc} state={state} titles={titles} pair={pair} disc={disc} send={send} />
         ))}
@@ -287,7 +287,7 @@ function FreeFloppies({ files, ...common }) {
           ? "They are not used, unless you say which disc they are."
           : "The savegame is on disc 2 and disc 3 of the game, and the names do not say which files belong together. Say which disc each one is. If one is missing, add it."}
       </p>
-      <ul class="cards">
+      <ul role="list">
         {files.map((file) => (
           <FreeFloppy key={file.id} file={file} {...common} />
         ))}
@@ -308,7 +308,7 @@ function Sources({ state, titles, files, send }) {
       <summary>
         {countOf(files.length, "text", "texts")}: the game’s source files, which name its flags, or others
       </summary>
-      <ul class="cards">
+      <ul role="list">
         {files.map((file) => (
           <li key={file.id} class="line file" tabIndex={-1}>
             <Short titles={titles} title={file.title} />
@@ -332,7 +332,7 @@ function RefusedFiles({ titles, files, isOpen, send }) {
   if (files.length === 0) return undefined;
   return (
     <Fold isOpen={isOpen} summary={`${countOf(files.length, "file", "files")} that cannot be used`}>
-      <ul class="cards">
+      <ul role="list">
         {files.map((file) => (
           <li key={file.id} class="line file" tabIndex={-1}>
             <p>
@@ -396,7 +396,7 @@ export function Files({ state, titles, send, onStartOver }) {
   return (
     <>
       <Found state={state} onStartOver={onStartOver} />
-      <ul class="cards">{media.map(card)}</ul>
+      <ul role="list">{media.map(card)}</ul>
       <FreeFloppies files={free} {...common} />
       <RefusedFiles titles={titles} files={refused} isOpen={media.length + free.length === 0} send={send} />
       <Sources files={sources} {...common} />

@@ -87,7 +87,7 @@ export function MadeResult({ result, titles, onSave, onSaveAll }) {
           Save all {files.length} files
         </button>
       )}
-      <ul class="made">
+      <ul role="list" class="made">
         {files.map(({ name, isSaved }, i) => (
           <li key={i}>
             <button type="button" class={hasMore ? "" : "main"} onClick={() => onSave(i)}>
