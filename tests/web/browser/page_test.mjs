@@ -6,6 +6,8 @@ import { cpSync, mkdirSync, mkdtempSync, readFileSync, rmSync, utimesSync, write
 import { tmpdir } from "node:os";
 import { basename, dirname, join } from "node:path";
 import { after, test } from "node:test";
+import { gzipSync } from "node:zlib";
+import { zipSync } from "fflate";
 import { fileURLToPath } from "node:url";
 import { names, open } from "./browsers.mjs";
 
@@ -35,12 +37,6 @@ function implanted(command, data, ...images) {
   copies.forEach((copy, i) => cpSync(images[i], path(copy)));
   execFileSync(join(project, "out/release/stashkeep"), [command, data, ...copies], { cwd: folder });
   return copies.map(read);
-}
-
-function assertBytes(bytes, expected, what) {
-  if (bytes.equals(expected)) return;
-  const at = expected.findIndex((byte, i) => byte !== bytes[i]);
-  assert.fail(`${what}: ${bytes.length} bytes instead of ${expected.length}, and from ${at} on they differ`);
 }
 
 /** Bytes in which one bit differs at each of these places. */
@@ -115,57 +111,71 @@ function testIn(engines, title, check) {
 
 const testInChromium = (title, check) => testIn(["chromium"], title, check);
 
-testIn(names, "a savegame moves from floppies to a memory expansion, as with the command line", async (browser) => {
-  await give(browser, empty, disc3, disc2);
-  await browser.click(put("game.reu"));
-  assertBytes(await save(browser, copyOf("game", "disc2", "reu")), read("full.reu"), "the new file");
+// It is the first one: in Firefox, keys are sometimes lost after another page was left.
+testIn(names, "a savegame moves from floppies to a memory expansion, by keyboard alone", async (browser) => {
+  async function goTo(pattern) {
+    for (let i = 0; i < 60 && !pattern.test(await focused(browser)); ++i) await browser.press("Tab");
+    assert.match(await focused(browser), pattern);
+  }
+  await goTo(/^Try it with examples$/);
+  await browser.press("Enter");
+  await browser.waitForText(/^Put the savegame/m);
+  await goTo(/^Put the savegame into a copy of game.reu$/);
+  await browser.press("Enter");
+  await browser.waitForText(/^Not saved yet$/m);
+  assert.equal(await focused(browser), "Not saved yet");
+  await goTo(/^Save game/);
+  const name = (await focused(browser)).slice("Save ".length);
+  await browser.press("Enter");
+  assert.ok((await browser.download(name)).equals(read("full.reu")));
 });
 
-testIn(names, "a savegame moves from a memory expansion to floppies, and all is saved at once", async (browser) => {
-  const notes = Buffer.alloc(768, "notes about errors");
-  const noted = write("noted/blank3.d64", Buffer.concat([read("blank3.d64"), notes]));
-  await give(browser, noted, full, blank2);
-  await browser.click(put("blank2.d64 and blank3.d64"));
-  await browser.click("Save all 2 files");
-  const [made2, made3] = implanted("implantd64", "savegame.dat", blank2, blank3);
-  assert.ok((await browser.download(copyOf("blank2", "full", "d64"))).equals(made2));
-  assert.ok((await browser.download(copyOf("blank3", "full", "d64"))).equals(Buffer.concat([made3, notes])));
+testIn(
+  names,
+  "a savegame moves from a packed memory expansion to packed floppies, all saved at once",
+  async (browser) => {
+    const notes = Buffer.alloc(768, "notes about errors");
+    const discs = { "blank2.d64": read("blank2.d64"), "blank3.d64": Buffer.concat([read("blank3.d64"), notes]) };
+    await give(
+      browser,
+      write("full.reu.gz", gzipSync(read("full.reu"))),
+      write("a.zip", zipSync(discs, { mtime: written })),
+    );
+    await browser.click(put("a.zip/blank2.d64 and a.zip/blank3.d64"));
+    await browser.waitForText(/The new files will be saved beside the archive/);
+    await browser.click("Save all 2 files");
+    const [made2, made3] = implanted("implantd64", "savegame.dat", blank2, blank3);
+    assert.ok((await browser.download(copyOf("blank2", "full", "d64"))).equals(made2));
+    assert.ok((await browser.download(copyOf("blank3", "full", "d64"))).equals(Buffer.concat([made3, notes])));
+  },
+);
+
+testInChromium("a replaced savegame is saved too, and can be put back", async (browser) => {
+  const old = implanted("implantd64", "other.dat", blank2, blank3).map((bytes, i) => write(`old${i + 2}.d64`, bytes));
+  await give(browser, full, ...old);
+  await browser.click("full.reu", "From");
+  await browser.waitForText(/is replaced[^]*Money\s+134\s+125/);
+  await browser.click(replace("old2.d64 and old3.d64"));
+  await browser.click("Save all 3 files");
+  const made = [];
+  for (const [i, bytes] of implanted("implantd64", "savegame.dat", ...old).entries()) {
+    const saved = await browser.download(copyOf(`old${i + 2}`, "full", "d64"));
+    assert.ok(saved.equals(bytes));
+    made.push(write(`now${i + 2}.d64`, saved));
+  }
+  const backupName = backupOf("old", 134);
+  const kept = write(backupName, await browser.download(backupName));
+  assert.ok(read(backupName).equals(read("other.dat")));
+
+  await browser.click("Start over (no file is deleted)");
+  await give(browser, ...made, kept);
+  await browser.click(backupName, "From");
+  await browser.click(replace("now2.d64 and now3.d64"));
+  for (const disc of [2, 3]) {
+    const restored = await save(browser, copyOf(`now${disc}`, "old", "d64", 134));
+    assert.ok(restored.equals(read(`old${disc}.d64`)));
+  }
 });
-
-const replacements = [
-  { from: [disc2, disc3], origin: "disc2", command: "implantreu", old: ["old.reu"], blanks: [empty] },
-  { from: [full], origin: "full", command: "implantd64", old: ["old2.d64", "old3.d64"], blanks: [blank2, blank3] },
-];
-
-for (const { from, origin, command, old, blanks } of replacements) {
-  testInChromium(`a replaced savegame is saved too, and can be put back: ${old.join(" and ")}`, async (browser) => {
-    const paths = implanted(command, "other.dat", ...blanks).map((bytes, i) => write(old[i], bytes));
-    const extension = old[0].split(".")[1];
-    const backupName = backupOf("old", 134);
-    await give(browser, ...from, ...paths);
-    await browser.click(from.map((each) => basename(each)).join(" and "), "From");
-    await browser.waitForText(/is replaced[^]*Money\s+134\s+125/);
-    await browser.click(replace(old.join(" and ")));
-    await browser.click(`Save all ${old.length + 1} files`);
-    const made = [];
-    for (const [i, bytes] of implanted(command, "savegame.dat", ...paths).entries()) {
-      const saved = await browser.download(copyOf(old[i].split(".")[0], origin, extension));
-      assert.ok(saved.equals(bytes), old[i]);
-      made.push(write(`now${i + 2}.${extension}`, saved));
-    }
-    const saved = await browser.download(backupName);
-    assert.ok(saved.equals(read("other.dat")));
-
-    await browser.click("Start over (no file is deleted)");
-    await give(browser, ...made, write(backupName, saved));
-    await browser.click(backupName, "From");
-    await browser.click(replace(made.map((each) => basename(each)).join(" and ")));
-    for (const [i, name] of old.entries()) {
-      const restored = await save(browser, copyOf(`now${i + 2}`, "old", extension, 134));
-      assert.ok(restored.equals(read(name)), name);
-    }
-  });
-}
 
 /** Where the buttons to save are, and whether they can be seen there. Runs in the page. */
 function lookAtSaveButtons() {
@@ -205,93 +215,51 @@ testInChromium("the buttons to save come into view, and stay where they are", as
 });
 
 testInChromium("leaving asks as long as something is not saved", async (browser) => {
-  for (const [saved, dialogs] of [
-    [["blank2", "blank3"], []],
-    [["blank2"], ["beforeunload"]],
-    [[], ["beforeunload"]],
-  ]) {
+  for (const discs of [[2, 3], [2]]) {
+    // prettier-ignore
     await give(browser, full, blank2, blank3);
     await browser.click(put("blank2.d64 and blank3.d64"));
-    await browser.waitForText(/^Not saved yet/m);
-    for (const stem of saved) await save(browser, copyOf(stem, "full", "d64"));
+    for (const disc of discs) await save(browser, copyOf(`blank${disc}`, "full", "d64"));
     browser.dialogs.length = 0;
     await browser.go(page);
-    assert.deepEqual(browser.dialogs, dialogs, `saved: ${saved}`);
+    assert.deepEqual(browser.dialogs, discs.length === 2 ? [] : ["beforeunload"]);
   }
 });
 
 testInChromium("what is chosen is moved, and to where it is chosen", async (browser) => {
-  await give(browser, disc2, disc3, other, empty, write("second.reu", read("game.reu")));
-  const isRefused = (element) => element.control.disabled;
-  assert.ok(await browser.evaluateOn("game.reu", "From", isRefused));
-  assert.ok(!(await browser.evaluateOn("other.dat", "From", isRefused)));
+  await give(browser, backup, other, empty, write("second.reu", read("game.reu")));
+  assert.ok(await browser.evaluateOn("game.reu", "From", (element) => element.control.disabled));
   await browser.click("other.dat", "From");
   await browser.click("second.reu", "Into");
   await browser.click(put("second.reu"));
   const saved = await save(browser, copyOf("second", "other", "reu", 134));
   assert.ok(saved.equals(implanted("implantreu", "other.dat", empty)[0]));
-  await browser.click("disc2.d64 and disc3.d64", "From");
-  await browser.waitForText(/No longer offered/);
-  await browser.click(onlyBackup);
-  await browser.click("Make a backup of the savegame in disc2.d64 and disc3.d64");
-  assert.ok((await save(browser, backupOf("disc2"))).equals(read("savegame.dat")));
 });
 
-testInChromium("the person decides which disc is which", async (browser) => {
-  const discs = ["a.d64", "b.d64", "c.d64"];
-  const [halfA, halfB] = [0, 512].map((start) => read("savegame.dat").subarray(start, start + 512));
-  const halfC = read("other.dat").subarray(512);
-  const changedDisc3 = changed(read("disc3.d64"), 0x458, 0x459);
-  await give(
-    browser,
-    ...[read("disc2.d64"), read("disc3.d64"), changedDisc3].map((bytes, i) => write(discs[i], bytes)),
-  );
-  async function hasSavegameOf(disc2Title, disc3Title, halves) {
-    await browser.click(`${disc2Title} and ${disc3Title}`, "From");
-    await browser.click(onlyBackup);
-    await browser.click(`Make a backup of the savegame in ${disc2Title} and ${disc3Title}`);
-    const saved = await save(browser, backupOf(disc2Title[0]));
-    assert.ok(saved.equals(Buffer.concat(halves)), `${disc2Title} and ${disc3Title}`);
-  }
+testInChromium("a backup is made without putting it anywhere", async (browser) => {
+  await give(browser, full);
+  await browser.click(onlyBackup);
+  await browser.click("Make a backup of the savegame in full.reu");
+  assert.ok((await save(browser, backupOf("full"))).equals(read("savegame.dat")));
+});
+
+testInChromium("the person decides which disc is which, and agrees to what is doubtful", async (browser) => {
+  const discs = [disc2, disc3, blank3].map((each, i) => write(`${"abc"[i]}.d64`, readFileSync(each)));
+  await give(browser, ...discs, empty);
   await browser.click("It is disc 2: b.d64");
   await browser.choose("Disc 3", "a.d64");
-  await hasSavegameOf("b.d64", "a.d64", [halfB, halfA]);
+  await browser.waitForText(/^Disc 2: b.d64 \(as you[^]*^Disc 3: a.d64 \(as you/m);
   await browser.click("Swap disc 2 and disc 3");
-  await hasSavegameOf("a.d64", "b.d64", [halfA, halfB]);
+  await browser.waitForText(/^Disc 2: a.d64[^]*^Disc 3: b.d64/m);
   await browser.choose("Disc 3", "c.d64");
-  await hasSavegameOf("a.d64", "c.d64", [halfA, halfC]);
-  await browser.choose("Disc 2", "– none –");
-  await browser.waitForText(/Disc 2 is missing/);
-});
-
-testInChromium("a doubtful savegame moves only after the person has agreed", async (browser) => {
-  await give(browser, disc2, blank3, empty);
-  await browser.click("It is disc 2: disc2.d64");
-  await browser.choose("Disc 3", "blank3.d64");
+  await browser.click("a.d64 and c.d64", "From");
   await browser.waitForText(/Only disc 2 has a savegame[^]*Move it all the same/);
   assert.ok(await browser.evaluateOn(put("game.reu"), undefined, (button) => button.disabled));
   await browser.click("Move it all the same");
   await browser.click(put("game.reu"));
-  await save(browser, copyOf("game", "disc2", "reu"));
-});
-
-testInChromium("a double click makes one result", async (browser) => {
-  await give(browser, full, blank2, blank3);
-  await browser.click(put("blank2.d64 and blank3.d64"), undefined, { count: 2 });
-  await browser.waitForText(/^Not saved yet$/m);
-  await browser.click("Every command that was run, and exactly what the program printed");
-  await browser.waitForText(/\$ stashkeep implantd64/);
-  const runs = (await browser.text("For experts")).match(/\$ stashkeep implantd64 .*/g);
-  assert.equal(runs.length, 2, `once to make it, and once to prove it:\n${runs.join("\n")}`);
-});
-
-testInChromium("a file that is there already is added only if the person wants that", async (browser) => {
-  await give(browser, backup);
-  await browser.upload("Choose files", [backup]);
-  await browser.waitForText(/In the list already, with the same date and contents: savegame.dat/);
-  assert.equal((await browser.text()).match(/^savegame \(2\).dat|savegame.dat \(2\)/m), null);
-  await browser.click("Add all the same");
-  await browser.waitForText(/^savegame.dat \(2\)$/m, "1. Your files");
+  await save(browser, copyOf("game", "a", "reu"));
+  await browser.choose("Disc 2", "– none –");
+  await browser.waitForText(/Disc 2 is missing[^]*No longer offered/);
 });
 
 testInChromium("nothing is made of a file that has changed on the disk, and it can be added anew", async (browser) => {
@@ -307,67 +275,74 @@ testInChromium("nothing is made of a file that has changed on the disk, and it c
   await browser.click("live.dat", "From");
   await browser.click(put("game.reu"));
   const saved = await save(browser, "game (savegame of live, money 134, 2020-01-02 15-04-00).reu");
-  assertBytes(saved, implanted("implantreu", "other.dat", empty)[0], "the new file");
+  assert.ok(saved.equals(implanted("implantreu", "other.dat", empty)[0]));
   assert.doesNotMatch(await browser.text(), /has changed on the disk/);
 });
 
-/** Runs in the page: in the first result that has such a file, a bit of it is wrong. */
-function spoilOnce(beginning) {
-  const { set } = Object.getOwnPropertyDescriptor(Worker.prototype, "onmessage");
-  let isSpoiled = false;
-  function setSpoiling(listener) {
-    set.call(this, (event) => {
-      const file = event.data.files.find(([name]) => name.startsWith(beginning));
-      if (file && !isSpoiled) file[1][5] ^= 1;
-      isSpoiled ||= Boolean(file);
-      listener(event);
+testInChromium("what fails is reported, and works again once it can", async (browser) => {
+  const breakProgram = () =>
+    browser.evaluate(() => {
+      globalThis.realMethod = Worker.prototype.postMessage;
+      Worker.prototype.postMessage = () => {
+        throw new Error("no message today");
+      };
     });
-  }
-  Object.defineProperty(Worker.prototype, "onmessage", { set: setSpoiling });
-}
-
-testInChromium("a result that is wrong is not offered", async (browser) => {
+  const repairProgram = () => browser.evaluate(() => void (Worker.prototype.postMessage = globalThis.realMethod));
+  await breakProgram();
+  await give(browser, backup);
+  await browser.waitForText(/savegame.dat: The program could not look into it. .*no message today/);
+  await repairProgram();
   await give(browser, backup, empty);
-  await browser.evaluate(spoilOnce, "game (savegame of");
+  await breakProgram();
   await browser.click(put("game.reu"));
-  await browser.waitForText(/nothing was made/);
+  await browser.waitForText(/nothing was made. .*no message today/);
   assert.doesNotMatch(await browser.text(), /^Save .*reu/m);
+  await repairProgram();
   await browser.click(put("game.reu"));
   await browser.waitForText(/^Not saved yet$/m);
-  assert.doesNotMatch(await browser.text(), /nothing was made/);
 });
 
-testInChromium("a program that cannot start is reported, and works again once it can", async (browser) => {
+testInChromium("a run that does not end can be stopped, and the next one works", async (browser) => {
   await browser.evaluate(() => {
-    globalThis.realWorker = Worker;
-    globalThis.Worker = function () {
-      throw new Error("no worker today");
-    };
+    const { postMessage } = Worker.prototype;
+    Worker.prototype.postMessage = () => (Worker.prototype.postMessage = postMessage); // the first message is lost
   });
+  await browser.upload("Choose files", [backup]);
+  await browser.click("Stop");
+  await browser.waitForText(/The program could not look into it. .*You have stopped it/);
   await give(browser, backup);
-  await browser.waitForText(/savegame.dat: The program could not look into it. .*no worker today/);
-  await browser.evaluate(() => (globalThis.Worker = globalThis.realWorker) && true);
-  await give(browser, backup, empty);
-  await browser.click(put("game.reu"));
-  await browser.waitForText(/^Not saved yet$/m);
+  await browser.waitForText(/^Found: 1 savegame/m);
+});
+
+testInChromium("files with strange names are shown as they are, moved and saved", async (browser) => {
+  const strange = ["<b>'\"&.dat", "line\nbreak.reu", `${"ü".repeat(125)}.fbn`];
+  const shown = ["<b>'\"&.dat", "line␊break.reu", `${"ü".repeat(32)}…${"ü".repeat(28)}.fbn`];
+  const paths = [backup, empty, empty].map((each, i) => write(strange[i], readFileSync(each)));
+  await browser.upload("Choose files", paths);
+  for (const [i, stem] of [
+    [1, "line_break"],
+    [2, "ü".repeat(40)],
+  ]) {
+    // prettier-ignore
+    await browser.click(shown[i], "Into");
+    await browser.click(put(shown[i]));
+    const saved = await save(browser, copyOf(stem, `_b_'_&`, strange[i].slice(-3)));
+    assert.ok(saved.equals(read("full.reu")), stem);
+  }
 });
 
 testInChromium("a part of the page that cannot be shown says so, and the others go on", async (browser) => {
-  await give(browser, empty);
   await browser.evaluate(() => {
-    globalThis.realMethod = Number.prototype.toLocaleString;
+    const { toLocaleString } = Number.prototype;
     Number.prototype.toLocaleString = function (...args) {
       if (Number(this) === 1024) throw new Error("not this number");
-      return globalThis.realMethod.call(this, ...args);
+      return toLocaleString.call(this, ...args);
     };
   });
-  await browser.upload("Choose files", [backup]);
+  await browser.upload("Choose files", [backup, empty]);
   await browser.waitForText(/This part of the page cannot be shown. .*not this number/, "1. Your files");
   await browser.click(put("game.reu"));
   await save(browser, copyOf("game", "savegame", "reu"));
-  await browser.evaluate(() => (Number.prototype.toLocaleString = globalThis.realMethod) && true);
-  await give(browser, other);
-  assert.match(await browser.text("1. Your files"), /^savegame.dat$/m);
 });
 
 testInChromium("very many flags and very long names leave the page alive", async (browser) => {
@@ -404,25 +379,6 @@ testIn(names, "what is dropped is read, with the folders that it is in", async (
   await browser.waitForText(/Game flags of savegame.dat: 22 of 22[^]*World flags of savegame.dat: 30 of 30/);
 });
 
-// Not in Firefox: there, a key that the driver presses just after another page was left is sometimes lost.
-testIn(["chromium", "webkit"], "works by keyboard alone, and the focus moves to the result", async (browser) => {
-  async function goTo(pattern) {
-    for (let i = 0; i < 60 && !pattern.test(await focused(browser)); ++i) await browser.press("Tab");
-    assert.match(await focused(browser), pattern);
-  }
-  await goTo(/^Try it with examples$/);
-  await browser.press("Enter");
-  await browser.waitForText(/^Put the savegame/m);
-  await goTo(/^Put the savegame into a copy of game.reu$/);
-  await browser.press("Enter");
-  await browser.waitForText(/^Not saved yet$/m);
-  assert.equal(await focused(browser), "Not saved yet");
-  await goTo(/^Save game/);
-  const name = (await focused(browser)).slice("Save ".length);
-  await browser.press("Enter");
-  assertBytes(await browser.download(name), read("full.reu"), name);
-});
-
 testIn(names, "after Remove, the focus is on the next card", async (browser) => {
   await give(browser, backup, other, empty);
   for (const [removed, next] of [
@@ -451,7 +407,9 @@ testIn(names, "files that are added move neither the caret nor the page, and clo
   await browser.upload("Choose files", [disc2, disc3, empty]);
   await browser.type("n");
   await untilExamined(browser, [empty]);
-  assert.deepEqual(await look(), { value: "xynz", selectionStart: 3, y });
+  const now = await look();
+  assert.deepEqual([now.value, now.selectionStart], ["xynz", 3]);
+  assert.ok(Math.abs(now.y - y) <= 1, `it stood at ${y}, and is at ${now.y} now`); // there are fractions of pixels
   assert.ok(await browser.evaluateOn(folded, undefined, (summary) => summary.parentElement.open));
 });
 
@@ -471,39 +429,40 @@ testInChromium("savegames can be looked at, compared and searched", async (brows
   await browser.waitForText(/For the flags, these sources are missing: scr_flags.asm/);
 });
 
-const cut = write("cut.d64", Buffer.alloc(174_848));
-const states = {
-  empty: async () => {},
-  "one disc": (browser) => give(browser, disc2),
-  ready: (browser) => give(browser, disc2, disc3, empty),
-  "nothing of use": (browser) => give(browser, cut),
-  doubtful: (browser) => give(browser, write("a.d64", read("disc2.d64")), write("b.d64", read("disc3.d64")), empty),
-  replacing: (browser) => give(browser, other, full),
-  made: async (browser) => {
-    await give(browser, backup, empty);
-    await browser.click(put("game.reu"));
-    await browser.waitForText(/^Not saved yet$/m);
-  },
-  "compared, with flags": async (browser) => {
-    await give(browser, backup, other, ...sources, ...included);
-    await browser.choose("Compare it with", "other.dat");
-    await browser.waitForText(/^Flags that differ/m);
-  },
-};
-
-for (const [state, bringAbout] of Object.entries(states)) {
-  testInChromium(`is accessible and fits at every width, light and dark: ${state}`, async (browser) => {
-    await bringAbout(browser);
+testInChromium("every state is accessible and fits at every width, light and dark", async (browser) => {
+  async function check(state) {
     await browser.evaluate(() => document.querySelectorAll("details").forEach((each) => (each.open = true)));
-    for (const scheme of ["light", "dark"]) {
+    for (const [scheme, width] of [
+      ["light", 320],
+      ["dark", 800],
+      ["light", 1600],
+    ]) {
+      // prettier-ignore
       await browser.page.emulateMediaFeatures([{ name: "prefers-color-scheme", value: scheme }]);
-      for (const width of [320, 800, 1600]) {
-        await browser.resize(width, 800);
-        assert.deepEqual(await browser.accessibilityFaults(), [], `${scheme}, ${width} pixels`);
-        const isTooWide = () => document.documentElement.scrollWidth > document.documentElement.clientWidth;
-        assert.ok(!(await browser.evaluate(isTooWide)), `scrolls sideways at ${width} pixels`);
-      }
+      await browser.resize(width, 800);
+      assert.deepEqual(await browser.accessibilityFaults(), [], `${state}, ${scheme}, ${width} pixels`);
+      const isTooWide = () => document.documentElement.scrollWidth > document.documentElement.clientWidth;
+      assert.ok(!(await browser.evaluate(isTooWide)), `${state} scrolls sideways at ${width} pixels`);
     }
-    await browser.page.emulateMediaFeatures([]);
-  });
-}
+  }
+  const discs = ["a.d64", "b.d64"].map((name, i) => write(name, read(["disc2.d64", "disc3.d64"][i])));
+  await check("empty");
+  for (const [state, paths] of [
+    ["nothing of use", [write("cut.d64", Buffer.alloc(174_848))]],
+    ["one disc", [disc2]],
+    ["doubtful", [...discs, empty]],
+    ["replacing", [other, full]],
+  ]) {
+    await give(browser, ...paths);
+    await check(state);
+    await browser.click("Start over (no file is deleted)");
+  }
+  await give(browser, backup, other, empty, ...sources, ...included);
+  await browser.click("savegame.dat", "From");
+  await browser.choose("Compare it with", "other.dat");
+  await browser.waitForText(/^Flags that differ/m);
+  await browser.click(put("game.reu"));
+  await browser.waitForText(/^Not saved yet$/m);
+  await check("made, and compared");
+  await browser.page.emulateMediaFeatures([]);
+});

@@ -41,12 +41,6 @@ test("discs of one name that are added singly become a wrong pair only with a qu
   }
 });
 
-test("discs that were taken apart stay so when other files are added", () => {
-  const apart = stateAfter(added("disc2.d64", "disc3.d64"), steps.discTakenOut("disc2.d64"));
-  assert.deepEqual(pairsOf(stateAfter(apart, added("other.d64"))), ["– + disc3.d64"]);
-  assert.deepEqual(pairsOf(stateAfter(apart, steps.discTakenOut("disc3.d64"), added("game.reu"))), []);
-});
-
 test("the grounds for a place are what the person did with it, and no more", () => {
   const before = stateAfter(added("disc2.d64", "disc3.d64"), added("other.d64"));
   const twice = stateAfter(before, steps.discsExchanged("disc2.d64"), steps.discsExchanged("disc2.d64"));
@@ -80,11 +74,6 @@ test("a disc that is added anew keeps its place, and what was chosen with it has
   assert.equal(after.gone.from, "disc3.d64 and disc2.d64");
 });
 
-test("a file that cannot be used replaces none", () => {
-  const cut = file("disc2.d64", { modified: 2, refused: "oddFloppy" });
-  assert.deepEqual(pairsOf(stateAfter(pairAndImage, addedAnew("disc2.d64", cut))), ["disc2.d64 + disc3.d64"]);
-});
-
 test("a file that was refused is replaced by adding it again, and what is there already is not added twice", () => {
   const same = file("game.reu", { content: "same" });
   const refused = stateAfter(added(file("game.reu", { refused: "failed", content: "same" })), added(same));
@@ -97,6 +86,8 @@ test("a file that was refused is replaced by adding it again, and what is there 
 test("what is not in the list is said", () => {
   const leftOut = update(emptyState, { type: "filesGiven", given: [file("my.dat")], leftOut: 1 });
   assert.deepEqual([noticesOf(leftOut), noticesOf(stateAfter(steps.given()))], [["leftOut"], ["nothingGiven"]]);
+  const picture = stateAfter(added("my.dat", file("cover.jpg", { refused: "ignored" })));
+  assert.deepEqual([titlesOf(picture), noticesOf(picture)], [["my.dat"], ["ignored"]]);
 });
 
 // Choices
@@ -159,34 +150,11 @@ test("a result is of the files for which it was asked, whatever is added meanwhi
   assert.deepEqual([result.from, result.into].map(steps.nameOf), ["disc2.d64 + disc3.d64", "game.reu"]);
 });
 
-test("work that has not begun is dropped when a file that it is about is replaced", () => {
-  const asked = stateAfter(pairAndImage, steps.given(file("disc2.d64", { modified: 2 })), steps.makeAsked);
-  assert.deepEqual(jobsOf(stateAfter(asked, steps.examined("disc2.d64"))), []);
-});
-
 test("a result that comes after the choice has changed is not shown, and the next one can be made", () => {
   const asked = stateAfter(pairAndImage, steps.makeAsked);
   const late = stateAfter(asked, intoChosen("data"), steps.filesMade());
   assert.deepEqual([late.result, noticesOf(late)], [undefined, ["madeInVain"]]);
   assert.deepEqual(jobsOf(stateAfter(late, steps.makeAsked)), ["make"]);
-});
-
-test("a result is gone, and named, when what is chosen is no longer what it was made of", () => {
-  const asked = stateAfter(pairAndImage, steps.makeAsked);
-  const made = stateAfter(asked, steps.filesMade());
-  for (const step of [intoChosen("data"), removed("disc3.d64"), steps.discsExchanged("disc2.d64")]) {
-    const { result, gone } = stateAfter(made, step);
-    assert.deepEqual([result, gone.result], [undefined, "made"]);
-  }
-});
-
-test("answers that come after starting over are ignored", () => {
-  const working = stateAfter(pairAndImage, steps.given("new.reu"), steps.makeAsked);
-  const [examining, making] = working.jobs;
-  const others = ["1.reu", "2.reu", "3.reu", "4.reu", "5.reu"].map((path) => steps.given(path));
-  const again = stateAfter(working, steps.startedOver, ...others);
-  assert.equal(stateAfter(again, steps.examinedLate(examining)), again);
-  assert.equal(stateAfter(again, steps.filesMade(making)), again);
 });
 
 // Flags
