@@ -1,38 +1,122 @@
-// Times the page in Chromium, in the current folder of scripts/bench.sh: prints the median seconds of implanting into
-// game.reu and extracting again, and those of a check with the sources.
+// Times the page in Chromium, in the current folder of scripts/bench.sh. Each line that it prints says what is timed, the
+// seconds (by the page's own clock, medians), and of which runs of the program it consists.
 import { readFileSync } from "node:fs";
 import { open } from "../tests/web/browser/browsers.mjs";
 
-const file = (name) => new Uint8Array(readFileSync(name));
-const sources = ["flags.asm", "ids.asm", "world.asm"];
-const names = ["savegame.dat", "game.reu", "generated/world.inc", ...sources];
+const url = new URL("../out/packages/stashkeep.html", import.meta.url).href;
+const browser = await open("chromium", url);
+const median = (times) => times.sort((a, b) => a - b)[Math.floor(times.length / 2)];
+const print = (...columns) => console.log(columns.join("\t"));
 
-/** Runs in the page: the median of the times, in seconds. */
-async function medianTime(runCount, files, operation) {
-  const { "game.reu": image, ...others } = files;
-  const operations = {
-    async transfer() {
-      const implant = ["implantreu", "savegame.dat", "game.reu"];
-      const { files: after } = await globalThis.stashkeep(implant, {
-        "savegame.dat": files["savegame.dat"],
-        "game.reu": image,
-      });
-      await globalThis.stashkeep(["extractreu", "game.reu", "out.dat"], { "game.reu": after["game.reu"] });
-    },
-    check: () => globalThis.stashkeep(["check", "savegame.dat", "flags.asm", "ids.asm", "world.asm"], others),
-  };
+// These functions run in the page.
+
+/** Runs command lines, each with the files that the one before has left. */
+async function timeRuns(roundCount, files, ...lines) {
   const times = [];
-  for (let i = -3; i < runCount; i++) {
+  for (let i = 0; i < roundCount; ++i) {
     const start = performance.now();
-    await operations[operation]();
-    if (i >= 0) times.push(performance.now() - start); // the first ones warm up
+    let last = { files };
+    for (const line of lines) last = await globalThis.stashkeep(line.split(" "), last.files);
+    times.push((performance.now() - start) / 1000);
   }
-  return times.sort((a, b) => a - b)[Math.floor(runCount / 2)] / 1000;
+  return times;
 }
 
-const page = new URL("../out/packages/stashkeep.html", import.meta.url);
-const browser = await open("chromium", page.href);
-const files = Object.fromEntries(names.map((name) => [name, file(name)]));
-console.log(await browser.evaluate(medianTime, 50, files, "transfer"));
-console.log(await browser.evaluate(medianTime, 500, files, "check"));
+/** Times from the next event of this type until a button or a caption that begins so is painted. */
+function startTiming(type, beginning) {
+  const isShown = () =>
+    [...document.querySelectorAll("button:enabled, caption")].some((each) => each.textContent.startsWith(beginning));
+  async function timeFrom(start) {
+    do await new Promise(requestAnimationFrame);
+    while (!isShown());
+    await new Promise((resolve) => setTimeout(resolve)); // after this frame
+    return (performance.now() - start) / 1000;
+  }
+  globalThis.timing = new Promise((resolve) => {
+    addEventListener(type, () => resolve(timeFrom(performance.now())), { capture: true, once: true });
+  });
+}
+
+/** Watches how long tasks take. The browser tells it of those from 50 ms on. */
+function watchTasks() {
+  globalThis.longestTask = 0;
+  const take = ({ duration }) => (globalThis.longestTask = Math.max(globalThis.longestTask, duration / 1000));
+  new PerformanceObserver((list) => list.getEntries().forEach(take)).observe({ type: "longtask" });
+}
+
+// These do what a person does.
+
+async function time(act, type, beginning) {
+  await browser.evaluate(startTiming, type, beginning);
+  await act();
+  return browser.evaluate(() => globalThis.timing);
+}
+
+const give = (paths, beginning) => time(() => browser.upload("Choose files", paths), "change", beginning);
+const longestTask = () => browser.evaluate(() => globalThis.longestTask);
+
+async function timeTransfers(roundCount) {
+  const [ready, made, tasks] = [[], [], []];
+  for (let i = 0; i < roundCount; ++i) {
+    await browser.go(url);
+    ready.push(await give(["game.reu", "savegame.dat"], "Put the savegame"));
+    made.push(await time(() => browser.click("Put the savegame into a copy of game.reu"), "click", "Save "));
+    await browser.evaluate(watchTasks);
+    const save = await browser.evaluate(() => document.querySelector(".made button").textContent);
+    await browser.click(save);
+    await browser.download(save.replace("Save ", ""));
+    tasks.push(await longestTask());
+  }
+  await browser.click("Every command that was run, and exactly what the program printed");
+  await browser.waitForText(/^\$ stashkeep/m);
+  const log = await browser.text("For experts");
+  const [examining, making] = log.split("Making the new files").map((text) => text.match(/(?<=\$ stashkeep )\w+/g));
+  print("page, 16 MiB: from dropped to ready", median(ready), examining.join(" "));
+  print("page, 16 MiB: from Put to made", median(made), making.join(" "));
+  print("page, 16 MiB: longest task while saving (0: below 50 ms)", Math.max(...tasks));
+}
+
+/** Shows so many flags: the time after the file with them was given, the last of the game's sources. */
+async function timeFlags(count) {
+  await browser.go(url);
+  const others = ["savegame.dat", "scr_collectableids.asm", "scr_globaldefines.asm", "generated/world.inc"];
+  await give(others, "Values of savegame.dat");
+  return give([`flags${count}/scr_flags.asm`], captionOf(count, ""));
+}
+
+function captionOf(count, text) {
+  const found = Array.from({ length: count }, (_, i) => `FLAG_${i}`).filter((name) => name.includes(text));
+  return `Game flags of savegame.dat: ${found.length.toLocaleString("en")} of ${count.toLocaleString("en")}`;
+}
+
+async function timeKeys(count, roundCount) {
+  await timeFlags(count);
+  await browser.click("Search items and flags");
+  await browser.evaluate(watchTasks);
+  const steps = [["4", "4"], ["9", "49"], ["9", "499"], ["Backspace", "49"], ["Backspace", "4"], ["Backspace", ""]]; // prettier-ignore
+  const times = [];
+  for (const [key, text] of Array(roundCount).fill(steps).flat()) {
+    times.push(await time(() => browser.press(key), "keydown", captionOf(count, text)));
+  }
+  print("page, 50,000 flags: from a key in the search to the frame", median(times));
+  print("page, 50,000 flags: longest task while typing (0: below 50 ms)", await longestTask());
+}
+
+const names = ["flags.asm", "scr_collectableids.asm", "scr_globaldefines.asm", "generated/world.inc"];
+const contentsOf = (paths) => Object.fromEntries(paths.map((path) => [path, new Uint8Array(readFileSync(path))]));
+const transfer = ["implantreu savegame.dat game.reu", "extractreu game.reu out.dat"];
+const check = `check savegame.dat ${names.slice(0, 3).join(" ")}`;
+const transferFiles = contentsOf(["savegame.dat", "game.reu"]);
+const checkFiles = contentsOf(["savegame.dat", ...names]);
+print(
+  "page: implant and extract, from bytes to bytes",
+  median(await browser.evaluate(timeRuns, 50, transferFiles, ...transfer)),
+  "implantreu extractreu",
+);
+print("page: check with sources", median(await browser.evaluate(timeRuns, 500, checkFiles, check)), "check-sources");
+await timeTransfers(9);
+const times = [];
+for (let i = 0; i < 9; ++i) times.push(await timeFlags(20_000));
+print("page: from the last source to 20,000 flags", median(times));
+await timeKeys(50_000, 10);
 await browser.close();

@@ -20,24 +20,30 @@ lines() {
     awk "BEGIN { for (i = 0; i < $1; i++) printf \"$2\\n\", i, i % 200 }"
 }
 lines 700 '.flag FLAG_CHEST_TAKEN_%d' >flags.asm
-lines 45 'COLLECTABLE_THING_%d = %d' >ids.asm
+lines 45 'COLLECTABLE_THING_%d = %d' >scr_collectableids.asm
 mkdir generated
 lines 1000 'WORLDFLAG_ROOM_VISITED_%d = WORLDFLAGS_START + %d' >generated/world.inc
-printf '#AsmSectionBegin\ninclude "world.inc"\n#AsmSectionEnd\n' >world.asm
+printf '#AsmSectionBegin\ninclude "world.inc"\n#AsmSectionEnd\n' >scr_globaldefines.asm
 lines 550000 'COLLECTABLE_THING_%06d = %d' >many_ids.asm
 lines 890000 '.flag FLAG_%07d' >many_flags.asm
-# A memory image of 16 MiB with pointers to 0x10000, 0x20000, 0x30000 and 0x40000
+for count in 20000 50000; do
+    mkdir "flags$count"
+    lines "$count" '.flag FLAG_%d' >"flags$count/scr_flags.asm"
+done
+# A memory image of 16 MiB with pointers to 0x10000, 0x20000, 0x30000 and 0x40000, where no savegame is
 {
     head -c 2304
     printf '\0\0\1\0    \0\0\2\0'
     head -c 2036
     printf '\0\0\3\0    \0\0\4\0'
-    head -c 16772852
+    head -c 262144 /dev/zero
+    head -c 16510708
 } </dev/urandom >game.reu
 cp game.reu copy.reu
 extract="./stashkeep extractreu game.reu out.dat"
+check="./stashkeep check savegame.dat"
 implant="./stashkeep implantreu savegame.dat copy.reu"
-checkSources="./stashkeep check savegame.dat flags.asm ids.asm world.asm"
+checkSources="$check flags.asm scr_collectableids.asm scr_globaldefines.asm"
 manyIds="./stashkeep check savegame.dat /dev/null many_ids.asm /dev/null"
 manyFlags="./stashkeep check savegame.dat many_flags.asm /dev/null /dev/null"
 
@@ -47,10 +53,11 @@ heading() {
     printf '| run | against | median | ratio |\n'
     printf '|---|---|---|---|\n'
 }
-# row DIGITS COMMAND OTHER_COMMAND SECONDS OTHER_SECONDS
+# row DIGITS COMMAND OTHER_COMMAND SECONDS OTHER_SECONDS: 0 if there is no other command
 row() {
     awk -v digits="$1" -v own="$2" -v other="$3" -v time="$4" -v otherTime="$5" \
-        'BEGIN { printf "| `%s` | `%s` | %.*f ms | %.2f |\n", own, other, digits, 1000 * time, time / otherTime }'
+        'BEGIN { printf "| `%s` | `%s` | %.*f ms | %s |\n", own, other, digits, 1000 * time,
+            otherTime ? sprintf("%.2f", time / otherTime) : "-" }'
 }
 # medians of the last measurement, in seconds: that of COMMAND, then that of OTHER_COMMAND
 medians() {
@@ -74,21 +81,21 @@ compareAfterPause() {
     other=$(cut -d ' ' -f 2 pairs | sort -g | sed -n 5p)
     row 1 "$1" "$2" "$own" "$other"
 }
-# comparePage: the page in Chromium, from bytes to bytes, with the program
+# comparePage: the page in Chromium with the runs of the program of which its work consists
 comparePage() {
-    local transfer check nativeTransfer nativeCheck
+    local name seconds runs native
     node "$project/bench/page.mjs" >page_times
-    { read -r transfer && read -r check; } <page_times
-    hyperfine -N --warmup 3 --runs 100 --export-csv times.csv "$implant" "$extract" >/dev/null 2>&1
-    nativeTransfer=$(medians | awk '{ print $1 + $2 }')
-    row 2 "page: implant, then extract" "$implant; $extract" "$transfer" "$nativeTransfer"
-    hyperfine -N --warmup 3 --runs 1000 --export-csv times.csv true "$checkSources" >/dev/null 2>&1
-    nativeCheck=$(medians | cut -d ' ' -f 2)
-    row 2 "page: check with sources" "$checkSources" "$check" "$nativeCheck"
+    hyperfine -N --warmup 3 --runs 200 --export-csv times.csv -n implantreu "$implant" -n extractreu "$extract" \
+        -n check "$check" -n check-sources "$checkSources" >/dev/null 2>&1
+    while IFS=$'\t' read -r name seconds runs; do
+        native=$(tr ' ' '\n' <<<"$runs" |
+            awk -F , 'NR == FNR { time[$1] = $4; next } { sum += time[$1] } END { print sum + 0 }' times.csv -)
+        row 1 "$name" "${runs:--}" "$seconds" "$native"
+    done <page_times
 }
 heading "Run after run"
 compare 2000 ./stashkeep true
-compare 2000 "./stashkeep check savegame.dat" true
+compare 2000 "$check" true
 compare 2000 "$checkSources" true
 compare 200 "$extract" "./least game.reu"
 compare 200 "$extract" "cat game.reu"
