@@ -62,6 +62,7 @@ export async function isEqual(bytes, otherBytes) {
 
 /** @param {Uint8Array} bytes @param {Uint8Array} tail */
 function concatenate(bytes, tail) {
+  if (tail.length === 0) return bytes; // they may be many
   const all = new Uint8Array(bytes.length + tail.length);
   all.set(bytes);
   all.set(tail, bytes.length);
