@@ -1,6 +1,7 @@
 // Reads the flags of a savegame with the game's sources.
 import { dataFileName, lastName } from "../model/names.js";
 import { parseFlagReport, toText } from "../model/report.js";
+import { isFileName } from "./paths.js";
 
 /** @import { FlagReading, Flags } from "../model/types.js" */
 /** @import { Run } from "./transfer.js" */
@@ -79,8 +80,7 @@ export async function readFlags(run, data, main, included) {
   /** @param {string} path that the program wants to open @returns whether it can do so now, and could not before */
   function addSource(path) {
     const source = byPlace.get(path) ?? byName.get(nameOf(path));
-    const isInFolder = path.split("/").every((part) => part !== "" && part !== "." && part !== "..");
-    if (path in sources || !source || !isInFolder) return false;
+    if (path in sources || !source || !isFileName(path)) return false;
     sources[path] = source.bytes;
     if (!byPlace.has(path)) standIns.push({ path, name: source.path });
     return true;

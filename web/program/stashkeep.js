@@ -1,4 +1,5 @@
 // The program as a function: one call is one run of the command line, in a worker, on files in memory.
+import { isFileName } from "./paths.js";
 
 /**
  * What a run leaves: what it printed, all files afterwards, and the names of those that it wanted to open and that did
@@ -59,8 +60,7 @@ function checkArguments(args) {
 
 /** @param {string} name @param {unknown} bytes */
 function checkFile(name, bytes) {
-  const isInFolder = name.split("/").every((part) => part !== "" && part !== "." && part !== "..");
-  if (!isInFolder || !isPassedUnchanged(name)) {
+  if (!isFileName(name) || !isPassedUnchanged(name)) {
     throw new RangeError(`"${name}" cannot be the name of a file in the program's folder.`);
   }
   if (!(bytes instanceof Uint8Array)) {

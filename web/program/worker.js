@@ -1,6 +1,8 @@
 // The worker: runs the program once for each message, in a fresh instance with a file system of its own. It follows
 // Emscripten's script in the worker's text.
 
+import { followPath } from "./paths.js";
+
 /** @import { Answer, Run, Success } from "./stashkeep.js" */
 /** @typedef {any} Program an instance, as Emscripten makes it */
 /** @typedef {any} FileSystem that of an instance: https://emscripten.org/docs/api_reference/Filesystem-API.html */
@@ -10,8 +12,7 @@ const createProgram = /** @type {any} */ (globalThis).createProgram;
 
 const folder = "/files/"; // the program's current folder, which has only the given files at the start
 
-/** @param {string} path */
-const nameOf = (path) => (path.startsWith(folder) ? path.slice(folder.length) : path);
+const devices = ["/dev/null", "/dev/stdin"]; // outside the folder, the program sees only these
 
 /** @param {FileSystem} FS @param {string} name @param {Uint8Array} bytes */
 function putFile(FS, name, bytes) {
@@ -32,39 +33,82 @@ function redirectOutput(FS) {
 }
 
 /**
- * Collects the paths of the files that the program opens, and of those that it does not find.
+ * The system calls that take a path. Those of Emscripten take "missing/../a" and "a/" for "a".
  *
- * @param {FileSystem} FS
- * @param {Set<string>} opened
- * @param {Set<string>} missing
+ * @param {() => Program} program
+ * @param {Set<string>} opened collects the places of files that are opened
+ * @param {Set<string>} missing collects the paths at which there is nothing to open
  */
-function watchOpening(FS, opened, missing) {
-  const open = FS.open;
-  FS.open = (/** @type {string} */ path, /** @type {unknown[]} */ ...rest) => {
-    try {
-      const stream = open(path, ...rest);
-      opened.add(stream.path);
-      return stream;
-    } catch (error) {
-      if (!FS.analyzePath(path).exists) missing.add(path);
-      throw error;
+function systemCalls(program, opened, missing) {
+  const failure = -44; // Emscripten's ENOENT; the program does not ask why a call failed
+  const createFlag = 0o100; // O_CREAT
+
+  /** @param {string} place @returns {any} */
+  const nodeAt = (place) => program().FS.analyzePath(place).object;
+  /** @param {any} node */
+  const isFolder = (node) => node && program().FS.isDir(node.mode);
+  /** @param {string} name */
+  const isFolderName = (name) => isFolder(nodeAt(folder + name));
+
+  /** @param {string} path @returns {string | undefined} where it is in Emscripten's file system */
+  function findPlace(path) {
+    if (devices.includes(path)) return path;
+    const name = followPath(path, isFolderName);
+    return name === undefined ? undefined : folder + name;
+  }
+
+  /** @param {number} address of the path in memory */
+  function follow(address) {
+    const memory = program().HEAPU8;
+    const bytes = memory.subarray(address, memory.indexOf(0, address));
+    const path = new TextDecoder("utf-8", { ignoreBOM: true }).decode(bytes);
+    const isUtf8 = new TextEncoder().encode(path).every((byte, i) => byte === bytes[i]); // as the name of each file is
+    const place = isUtf8 ? findPlace(path) : undefined;
+    return { path, place, node: place && nodeAt(place) };
+  }
+
+  /** @param {number} address @param {number} flags @returns {number} a file descriptor */
+  function open(address, flags) {
+    const { path, place, node } = follow(address);
+    const canOpen = node ? !isFolder(node) : flags & createFlag;
+    if (place && canOpen) {
+      opened.add(place);
+      return program().FS.open(place, flags, 0o666).fd;
     }
-  };
+    if (!node) missing.add(path);
+    return failure;
+  }
+
+  /** @param {number} address @returns {number} 0 if something is there */
+  const access = (address) => (follow(address).node ? 0 : failure);
+
+  /** Adapts a call that takes a path to one that takes it after a folder. @param {(...args: number[]) => number} call */
+  const at =
+    (call) =>
+    (/** @type {number} */ _, /** @type {number[]} */ ...args) =>
+      call(...args);
+
+  // The version of Emscripten decides by which of the first two files are opened.
+  return { __syscall_open: open, __syscall_openat: at(open), __syscall_faccessat: at(access) };
 }
 
 /**
  * A fresh instance of the program. Emscripten's own promise does not notice a failing instantiation.
  *
  * @param {WebAssembly.Module} module
+ * @param {WebAssembly.ModuleImports} calls replace those of Emscripten
  * @returns {Promise<Program>}
  */
-function instantiate(module) {
+function instantiate(module, calls) {
   return new Promise((resolve, reject) => {
     const options = {
       stdin: () => null, // at its end
       /** @type {(imports: WebAssembly.Imports, done: (instance: WebAssembly.Instance) => void) => object} */
       instantiateWasm(imports, done) {
-        WebAssembly.instantiate(module, imports).then(done).catch(reject);
+        const env = { ...imports.env, ...calls };
+        WebAssembly.instantiate(module, { ...imports, env })
+          .then(done)
+          .catch(reject);
         return {};
       },
     };
@@ -91,26 +135,27 @@ function takeBytes(FS, path) {
  * @returns {Promise<Success>}
  */
 async function run({ module, args, files }) {
-  const program = await instantiate(module);
-  const { FS } = program;
-  FS.mkdir(folder);
-  FS.chdir(folder);
-  for (const [name, bytes] of files) putFile(FS, name, bytes);
-  redirectOutput(FS);
   const opened = new Set();
   const missing = new Set();
-  watchOpening(FS, opened, missing);
+  /** @type {Program} */
+  const program = await instantiate(
+    module,
+    systemCalls(() => program, opened, missing),
+  );
+  const { FS } = program;
+  FS.mkdir(folder);
+  for (const [name, bytes] of files) putFile(FS, name, bytes);
+  redirectOutput(FS);
   const exitStatus = program.callMain(args);
   program._fflush(0);
 
-  const created = [...opened].filter((path) => path.startsWith(folder)).map(nameOf);
-  const names = [...new Set([...files.map(([name]) => name), ...created])];
-  const remaining = names.filter((name) => FS.isFile(FS.stat(folder + name).mode));
+  const openedInFolder = [...opened].filter((place) => place.startsWith(folder));
+  const places = new Set([...files.map(([name]) => folder + name), ...openedInFolder]);
   return {
     exitStatus,
     output: FS.readFile("/output"),
-    files: remaining.map((name) => [name, takeBytes(FS, folder + name)]),
-    missing: [...missing].map(nameOf),
+    files: [...places].map((place) => [place.slice(folder.length), takeBytes(FS, place)]),
+    missing: [...missing],
   };
 }
 
