@@ -82,14 +82,13 @@ function systemCalls(program, opened, missing) {
   /** @param {number} address @returns {number} 0 if something is there */
   const access = (address) => (follow(address).node ? 0 : failure);
 
-  /** Adapts a call that takes a path to one that takes it after a folder. @param {(...args: number[]) => number} call */
-  const at =
-    (call) =>
-    (/** @type {number} */ _, /** @type {number[]} */ ...args) =>
-      call(...args);
-
-  // The version of Emscripten decides by which of the first two files are opened.
-  return { __syscall_open: open, __syscall_openat: at(open), __syscall_faccessat: at(access) };
+  /** @type {Record<string, (...args: number[]) => number>} */
+  const calls = {
+    __syscall_open: open,
+    __syscall_openat: (_, address, flags) => open(address, flags), // instead of the former, in newer versions
+    __syscall_faccessat: (_, address) => access(address),
+  };
+  return calls;
 }
 
 /**
@@ -105,10 +104,8 @@ function instantiate(module, calls) {
       stdin: () => null, // at its end
       /** @type {(imports: WebAssembly.Imports, done: (instance: WebAssembly.Instance) => void) => object} */
       instantiateWasm(imports, done) {
-        const env = { ...imports.env, ...calls };
-        WebAssembly.instantiate(module, { ...imports, env })
-          .then(done)
-          .catch(reject);
+        const all = { ...imports, env: { ...imports.env, ...calls } };
+        WebAssembly.instantiate(module, all).then(done).catch(reject);
         return {};
       },
     };
@@ -137,11 +134,9 @@ function takeBytes(FS, path) {
 async function run({ module, args, files }) {
   const opened = new Set();
   const missing = new Set();
+  const calls = systemCalls(() => program, opened, missing);
   /** @type {Program} */
-  const program = await instantiate(
-    module,
-    systemCalls(() => program, opened, missing),
-  );
+  const program = await instantiate(module, calls);
   const { FS } = program;
   FS.mkdir(folder);
   for (const [name, bytes] of files) putFile(FS, name, bytes);

@@ -30,7 +30,7 @@ export async function run(args, files) {
       mkdirSync(dirname(join(folder, name)), { recursive: true });
       writeFileSync(join(folder, name), bytes);
     }
-    const { status, stdout, error } = spawnSync(program, args, { cwd: folder });
+    const { status, stdout, error } = spawnSync(program, args, { cwd: folder, stdio: ["ignore"] });
     if (error) throw error;
     return { exitStatus: status, output: stdout, files: filesIn(folder), missing: findMissing(files) };
   } finally {
@@ -39,6 +39,7 @@ export async function run(args, files) {
 }
 
 export const examples = filesIn(join(project, "examples"));
+export const testFiles = filesIn(join(project, "tests"));
 export const savegame = examples["savegame.dat"];
 
 /** Bytes of which each page is filled with its own number, so that whatever moves shows where it was. */
