@@ -57,6 +57,8 @@ function send(action) {
   show();
   const isTyping = document.activeElement?.matches('[type="search"]');
   if (state.result && !before.result && !isTyping) goTo("result-heading");
+  const isFirst = state.files.length > 0 && before.files.length === 0;
+  if (isFirst) document.getElementById("files-heading")?.scrollIntoView();
   forgetUnused();
   work();
 }

@@ -2,7 +2,7 @@
 import { useMemo, useState } from "preact/hooks";
 import { findMedia } from "../model/media.js";
 import { shortenTitles } from "../model/names.js";
-import { Files } from "./Files.jsx";
+import { Files, Found } from "./Files.jsx";
 import { Log } from "./Log.jsx";
 import { MadeResult } from "./MadeResult.jsx";
 import { Move } from "./Move.jsx";
@@ -115,13 +115,16 @@ export function App({ state, send, effects }) {
   return (
     <>
       <Section id="files-heading" title="1. Your files" isBusy={jobs.length > 0}>
+        <Part on={[files, pairs]}>
+          <Found state={state} onStartOver={effects.startOver} />
+        </Part>
         <DropZone hasFiles={files.length > 0} effects={effects} />
         <Part on={[notices, doubles]}>
           <Notices state={state} send={send} />
         </Part>
         {!hasMedia && <Lost names={gone.result} />}
         <Part on={[files, pairs, sources]}>
-          <Files state={state} titles={titles} send={send} onStartOver={effects.startOver} />
+          <Files state={state} titles={titles} send={send} />
         </Part>
       </Section>
       {hasMedia && (

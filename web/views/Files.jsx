@@ -356,7 +356,8 @@ function describeSame(savegames, different) {
 }
 
 /** What was found, and the way on. @param {{state: State, onStartOver: () => void}} props */
-function Found({ state, onStartOver }) {
+export function Found({ state, onStartOver }) {
+  if (state.files.length === 0) return undefined;
   const { savegames, different, places, single, refused } = countFound(state);
   const notes = describeSame(savegames, different);
   const parts = [
@@ -372,7 +373,7 @@ function Found({ state, onStartOver }) {
       </p>
       <p class="buttons">
         {savegames > 0 && (
-          <button type="button" onClick={() => goTo("move-heading")}>
+          <button type="button" class="main" onClick={() => goTo("move-heading")}>
             Next: move a savegame
           </button>
         )}
@@ -384,8 +385,8 @@ function Found({ state, onStartOver }) {
   );
 }
 
-/** @param {Common & {onStartOver: () => void}} props */
-export function Files({ state, titles, send, onStartOver }) {
+/** @param {Common} props */
+export function Files({ state, titles, send }) {
   if (state.files.length === 0) return undefined;
   const { media, free, sources, refused } = groupFiles(state);
   const common = { state, titles, send };
@@ -395,7 +396,6 @@ export function Files({ state, titles, send, onStartOver }) {
   };
   return (
     <>
-      <Found state={state} onStartOver={onStartOver} />
       <ul role="list">{media.map(card)}</ul>
       <FreeFloppies files={free} {...common} />
       <RefusedFiles titles={titles} files={refused} isOpen={media.length + free.length === 0} send={send} />
