@@ -71,18 +71,22 @@ export function findFromOptions(state) {
 }
 
 /**
- * The images that a savegame can be put into: all but that from which it comes.
+ * The images that a savegame can be put into: all but that from which it comes. Those in which nothing is replaced come
+ * first, and those that cannot be chosen last.
  *
  * @param {Pick<State, "files" | "pairs" | "choices">} state
  * @returns {Option[]}
  */
 export function findIntoOptions(state) {
   const images = findMedia(state).filter(({ id, kind }) => id !== state.choices.from && kind !== "data");
-  return images.map((medium) => {
+  /** @type {Option[]} */
+  const options = images.map((medium) => {
     if (medium.isSame) return { ...medium, refusal: "same" };
     if (isOutdated(medium)) return { ...medium, refusal: "outdated" };
     return medium.canTake ? medium : { ...medium, refusal: "noPlace" };
   });
+  const rankOf = (/** @type {Option} */ option) => (!isPossible(option) ? 2 : isBlank(option.savegame) ? 0 : 1);
+  return options.sort((a, b) => rankOf(a) - rankOf(b));
 }
 
 /** @param {Option} option */

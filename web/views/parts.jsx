@@ -31,13 +31,15 @@ export function joinWords(words) {
 }
 
 /**
- * The short titles of a medium's files.
+ * The short titles of a medium's files. A folder that both have is said once.
  *
  * @param {Map<string, string>} titles
  * @param {Pick<Medium, "files">} medium
  */
 export function shortTitleOf(titles, { files }) {
-  return joinWords(files.map(({ title }) => titles.get(title) ?? title));
+  const [first, ...others] = files.map(({ title }) => titles.get(title) ?? title);
+  const folder = first.slice(0, first.lastIndexOf("/") + 1);
+  return joinWords([first, ...others.map((title) => (title.startsWith(folder) ? title.slice(folder.length) : title))]);
 }
 
 /** Brings a heading into view, and the focus to it. @param {string} id */

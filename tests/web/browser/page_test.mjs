@@ -141,7 +141,7 @@ testIn(
       write("full.reu.gz", gzipSync(read("full.reu"))),
       write("a.zip", zipSync(discs, { mtime: written })),
     );
-    await browser.click(put("a.zip/blank2.d64 and a.zip/blank3.d64"));
+    await browser.click(put("a.zip/blank2.d64 and blank3.d64"));
     await browser.waitForText(/The new files will be saved beside the archive/);
     await browser.click("Save all 2 files");
     const [made2, made3] = implanted("implantd64", "savegame.dat", blank2, blank3);

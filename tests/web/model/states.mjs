@@ -7,7 +7,12 @@ let lastId = 0;
 function contentsOf(path, { holds, canTake = true, refused, content }) {
   const words = holds.split(" "); // one for both discs, or one for each
   const fields = new Map([["money", "40"]]);
-  const disc = (state) => ({ state, damagedPages: state === "damaged" ? [1] : [], fields, bytes: [content] });
+  const disc = (state) => ({
+    state,
+    damagedPages: state === "damaged" ? [1] : [],
+    fields,
+    bytes: state === "none" ? [0, 0] : [0, content],
+  });
   const savegame = [disc(words[0]), disc(words.at(-1))];
   if (refused) return { kind: "refused", reason: refused };
   if (path.endsWith(".d64")) return { kind: "floppy", disc: savegame[0], tailSize: 0 };
