@@ -1,6 +1,6 @@
 // What a transfer has made: first the buttons to save it, then what to do next and what was compared.
 import { isolate } from "../model/names.js";
-import { countSaved, isHalfSaved } from "../model/result.js";
+import { countSaved, hasUnsaved, isHalfSaved } from "../model/result.js";
 import { ConcernText } from "./concerns.jsx";
 import { countOf, formatNumber, formatSize, shortTitleOf } from "./parts.jsx";
 
@@ -77,7 +77,7 @@ export function MadeResult({ result, titles, onSave, onSaveAll }) {
   const [heading, details] = describeSaved(result);
   const order = hasFloppies ? "whether disc 2 and disc 3 are the right ones, and " : "";
   return (
-    <div class="success">
+    <div class={hasUnsaved(result) ? "note" : "success"}>
       <h3 id="result-heading" tabIndex={-1}>
         {heading}
       </h3>
