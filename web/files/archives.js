@@ -61,6 +61,7 @@ const entrySize = 46;
 const entryMark = 0x02014b50;
 const localSize = 30;
 const localMark = 0x04034b50;
+const largeOffset = 0xffffffff; // the real one stands elsewhere, in archives of more than 4 GiB
 const commentLimit = 65_535; // bytes between the end record and the end of the file
 
 /**
@@ -92,11 +93,13 @@ async function readDirectory(blob) {
   let at = tail.byteLength - endSize;
   while (at >= 0 && tail.getUint32(at, true) !== endMark) --at;
   if (at < 0) throw new Refusal("damagedArchive");
-  const directory = await viewOf(
-    blob,
+  const [count, size, position] = [
+    tail.getUint16(at + 10, true),
+    tail.getUint32(at + 12, true),
     tail.getUint32(at + 16, true),
-    Math.min(tail.getUint32(at + 12, true), directoryLimit),
-  );
+  ];
+  if (position === largeOffset) throw new Refusal("otherPacking");
+  const directory = await viewOf(blob, position, Math.min(size, directoryLimit));
   const entries = [];
   for (let start = 0; start + entrySize <= directory.byteLength;) {
     if (directory.getUint32(start, true) !== entryMark) throw new Refusal("damagedArchive");
@@ -116,6 +119,7 @@ async function readDirectory(blob) {
     });
     start = end + short(30) + short(32);
   }
+  if (entries.length !== count) throw new Refusal("damagedArchive");
   return entries.filter(({ name }) => !name.endsWith("/"));
 }
 

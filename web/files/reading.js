@@ -27,7 +27,7 @@ function unreadable(path) {
 
 /** What the system or a program keeps for itself. @param {string} name */
 function isHidden(name) {
-  return name.startsWith(".") || name === "__MACOSX";
+  return (name.startsWith(".") && name !== "." && name !== "..") || name === "__MACOSX";
 }
 
 /**

@@ -17,6 +17,13 @@ export function Lost({ names }) {
   );
 }
 
+/** The first of many. @param {string[]} titles */
+function describeSome(titles) {
+  const limit = 3;
+  const more = titles.length > limit ? `, and ${formatNumber(titles.length - limit)} more` : "";
+  return `${titles.slice(0, limit).join(", ")}${more}`;
+}
+
 /** @param {Notice} notice */
 function textOf(notice) {
   switch (notice.kind) {
@@ -29,7 +36,7 @@ function textOf(notice) {
     case "leftOut":
       return `There are too many files: ${formatNumber(notice.count)} of them, the least likely ones, were left out. Add single files instead.`;
     case "ignored":
-      return `Ignored, since a savegame is never in such a file: ${notice.paths.map(toTitle).join(", ")}.`;
+      return `Ignored, since a savegame is never in such a file: ${describeSome(notice.paths.map(toTitle))}.`;
     case "madeInVain":
       return "While the new files were made, something else was chosen. They are not offered: press the button again.";
     case "failed":

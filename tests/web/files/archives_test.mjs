@@ -33,12 +33,12 @@ const directory = "PK\x01\x02";
 test("the files in a ZIP file are read as if it were a folder", async () => {
   const files = { "my game": { "disc2.d64": [image, packed], "disc3.d64": [image, stored] }, empty: new Uint8Array() };
   const hidden = { __MACOSX: { "._a": strToU8("a") }, ".git": { "b.d64": strToU8("b") }, ".DS_Store": strToU8("c") };
-  const zip = zipSync({ ...files, ...hidden, "dos\\ü.dat": strToU8("d") }, { mtime: new Date(2020, 0, 2, 3, 4) });
+  const zip = zipSync({ ...files, ...hidden, "./dos\\ü.dat": strToU8("d") }, { mtime: new Date(2020, 0, 2, 3, 4) });
   assert.deepEqual(await contentsOf("a.zip", zip), {
     "a.zip/my game/disc2.d64": Buffer.from(image),
     "a.zip/my game/disc3.d64": Buffer.from(image),
     "a.zip/empty": Buffer.alloc(0),
-    "a.zip/dos/ü.dat": Buffer.from("d"),
+    "a.zip/./dos/ü.dat": Buffer.from("d"),
   });
   const { files: given } = await filesOfInput({ files: [new File([zip], "a.zip")] });
   assert.deepEqual([new Date(given[0].modified), given[0].archive], [new Date(2020, 0, 2, 3, 4), "a.zip"]);
@@ -69,6 +69,10 @@ test("what cannot be unpacked says why, and the others are read", async () => {
     assert.deepEqual(await contentsOf("x.zip", zip), { "x.zip/a": a, "x.zip/b": b }, what);
   }
   assert.deepEqual(await contentsOf("x.zip", one.subarray(0, 300)), { "x.zip": "damagedArchive" });
+  assert.deepEqual(await contentsOf("x.zip", patched(one, "PK\x05\x06", 10, 3)), { "x.zip": "damagedArchive" });
+  assert.deepEqual(await contentsOf("x.zip", patched(one, "PK\x05\x06", 16, 255, 255, 255, 255)), {
+    "x.zip": "otherPacking",
+  });
   assert.deepEqual(await contentsOf("x.zip", zipSync({})), { "x.zip": "emptyArchive" });
   assert.deepEqual(await contentsOf("x.gz", gzipSync(image).subarray(0, 99)), { "x.gz/x": "damagedArchive" });
 });
