@@ -211,7 +211,7 @@ function fromChosen(state, { medium }) {
 }
 
 /**
- * Chooses what is the only possibility. What the person has to choose anew is not chosen.
+ * Chooses what is the only possibility, and replaces nothing. What the person has to choose anew is not chosen.
  *
  * @param {State} state
  * @returns {State}
@@ -223,7 +223,8 @@ function chooseOnlyPossible(state) {
   const onlyFrom = findOnly(findFromOptions(state).filter(isPossible));
   if (!gone.from && onlyFrom !== choices.into) choices.from ??= onlyFrom;
   if (!gone.into && choices.from) {
-    choices.into ??= findOnly(findIntoOptions({ ...state, choices }).filter(isPossible));
+    const onlyInto = findOnly(findIntoOptions({ ...state, choices }).filter(isPossible));
+    if (isBlank(findMedium(state, onlyInto)?.savegame ?? [])) choices.into ??= onlyInto;
   }
   if (!gone.shown) choices.shown ??= choices.from ?? findMedia(state).find(({ savegame }) => hasSavegame(savegame))?.id;
   return { ...state, choices };

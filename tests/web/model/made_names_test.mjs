@@ -2,14 +2,14 @@ import assert from "node:assert/strict";
 import test from "node:test";
 import { nameOfBackup, namesOfCopies } from "../../../web/model/made_names.js";
 import { findMedia } from "../../../web/model/media.js";
-import { added, file, stateAfter } from "./states.mjs";
+import { file, stateWith } from "./states.mjs";
 
 const at = (...date) => new Date(...date).getTime();
 const written = at(2020, 0, 2, 3, 4, 5);
 const when = "2020-01-02 03-04-05";
 const longName = "a".repeat(100);
 const mediaOf = (...paths) =>
-  findMedia(stateAfter(added(...paths.map((path) => file(path, { modified: written, holds: "good" })))));
+  findMedia(stateWith(...paths.map((path) => file(path, { modified: written, holds: "good" }))));
 
 test("new images have different names, which say whose savegame is in them", () => {
   const cases = [

@@ -54,18 +54,6 @@ test("a medium is used only if the program accepts it and it has a place for eve
   assert.deepEqual(await Promise.all(isKeeping), [true, false, false]);
 });
 
-test("no command that changes a file names one of the person's", async () => {
-  const changing = [];
-  const recording = (args, files) => (args[0].startsWith("implant") && changing.push(...args), run(args, files));
-  await transfer(recording, image("reu"), pairWith(oldSavegame), names);
-  await takeOut(recording, image("reu"), names);
-  await keepsSavegame(recording, image("reu"));
-  assert.deepEqual(
-    changing.filter((arg) => ["game.reu", "disc2.d64", "disc3.d64"].includes(arg)),
-    [],
-  );
-});
-
 /** The program, of which one run leaves a file of this kind with a wrong byte. */
 function spoiling(spoiledRun, kind, offset) {
   let count = 0;
