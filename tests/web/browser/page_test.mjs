@@ -120,6 +120,7 @@ testIn(names, "a savegame moves from floppies to a memory expansion, by keyboard
   await goTo(/^Try it with examples$/);
   await browser.press("Enter");
   await browser.waitForText(/^Put the savegame/m);
+  assert.doesNotMatch(await browser.text(), /needs JavaScript/);
   await goTo(/^Put the savegame into a copy of game.reu$/);
   await browser.press("Enter");
   await browser.waitForText(/^Not saved yet$/m);
@@ -154,6 +155,7 @@ testInChromium("a replaced savegame is saved too, and can be put back", async (b
   const old = implanted("implantd64", "other.dat", blank2, blank3).map((bytes, i) => write(`old${i + 2}.d64`, bytes));
   await give(browser, full, ...old);
   await browser.click("full.reu", "From");
+  await browser.click("old2.d64 and old3.d64", "Into");
   await browser.waitForText(/is replaced[^]*Money\s+134\s+125/);
   await browser.click(replace("old2.d64 and old3.d64"));
   await browser.click("Save all 3 files");
@@ -170,6 +172,7 @@ testInChromium("a replaced savegame is saved too, and can be put back", async (b
   await browser.click("Start over (no file is deleted)");
   await give(browser, ...made, kept);
   await browser.click(backupName, "From");
+  await browser.click("now2.d64 and now3.d64", "Into");
   await browser.click(replace("now2.d64 and now3.d64"));
   for (const disc of [2, 3]) {
     const restored = await save(browser, copyOf(`now${disc}`, "old", "d64", 134));
@@ -413,6 +416,27 @@ testIn(names, "files that are added move neither the caret nor the page, and clo
   assert.ok(await browser.evaluateOn(folded, undefined, (summary) => summary.parentElement.open));
 });
 
+testInChromium("what is found is said in words", async (browser) => {
+  const [half2, half3] = [read("disc2.d64"), implanted("implantd64", "other.dat", blank2, blank3)[1]];
+  const pair = [half2, half3].map((bytes, i) => write(`mixed${i + 2}.d64`, bytes));
+  const pictures = [1, 2, 3, 4].map((number) => write(`${number}.png`, "\x89PNG"));
+  await browser.upload("Choose files", [...pair, empty, backup, ...pictures, write("old.prg", Buffer.alloc(99))]);
+  await browser.waitForText(/^Found: 2 savegames, 1 empty place for one, 1 file that cannot be used\.$/m);
+  await browser.waitForText(/^Ignored, .*: 1.png, 2.png, 3.png, and 1 more\./m);
+  await browser.waitForText(/^Disc 2: mixed2.d64 \(a guess from the names\)$/m, "Two floppy discs");
+  await browser.waitForText(
+    /^Disc 2 and disc 3 differ in money \(125 and 134\)\. Are they of the same/m,
+    "Two floppy discs",
+  );
+  await browser.waitForText(
+    /^savegame\s+money 125 and 134, lives 7, items 8 on disc 2, 23 on disc 3$/m,
+    "Two floppy discs",
+  );
+  await browser.waitForText(/no savegame/, "game.reu");
+  await browser.click("1 file that cannot be used");
+  await browser.waitForText(/old\.prg: A program, or music\./);
+});
+
 testInChromium("savegames can be looked at, compared and searched", async (browser) => {
   await give(browser, backup, other, ...included, ...[...sources].reverse());
   await browser.waitForText(/^Money\s+125\s+125$[^]*^Arrows\s+30$[^]*^FLAG_BRIDGE_STATE\s+5\s+0$/m, "3. Look");
@@ -451,12 +475,16 @@ testInChromium("every state is accessible and fits at every width, light and dar
     ["nothing of use", [write("cut.d64", Buffer.alloc(174_848))]],
     ["one disc", [disc2]],
     ["doubtful", [...discs, empty]],
-    ["replacing", [other, full]],
   ]) {
     await give(browser, ...paths);
     await check(state);
     await browser.click("Start over (no file is deleted)");
   }
+  await give(browser, other, full);
+  await browser.click("other.dat", "From");
+  await browser.click("full.reu", "Into");
+  await check("replacing");
+  await browser.click("Start over (no file is deleted)");
   await give(browser, backup, other, empty, ...sources, ...included);
   await browser.click("savegame.dat", "From");
   await browser.choose("Compare it with", "other.dat");
