@@ -423,6 +423,9 @@ testInChromium("what is found is said in words", async (browser) => {
   await browser.upload("Choose files", [...pair, empty, backup, ...pictures, write("old.prg", Buffer.alloc(99))]);
   await browser.waitForText(/^Found: 2 savegames, 1 empty place for one, 1 file that cannot be used\.$/m);
   await browser.waitForText(/^Ignored, .*: 1.png, 2.png, 3.png, and 1 more\./m);
+  assert.doesNotMatch(await browser.text(), /In the list already/);
+  await browser.upload("Choose files", [backup]);
+  await browser.waitForText(/In the list already, with the same date and contents: savegame.dat/);
   await browser.waitForText(/^Disc 2: mixed2.d64 \(a guess from the names\)$/m, "Two floppy discs");
   await browser.waitForText(
     /^Disc 2 and disc 3 differ in money \(125 and 134\)\. Are they of the same/m,
