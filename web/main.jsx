@@ -303,6 +303,7 @@ function start() {
     event.returnValue = true; // older browsers ask only then
   });
   show();
+  stashkeep([]).catch(() => {}); // so that the worker is there before the first file
 }
 
 Object.assign(globalThis, { stashkeep });

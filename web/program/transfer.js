@@ -33,24 +33,40 @@ function letOthersWork() {
 }
 
 /**
+ * The next index from `start` on at which the numbers differ, or `end`.
+ *
+ * @param {Uint8Array | Uint32Array} numbers
+ * @param {Uint8Array | Uint32Array} others
+ * @param {number} start
+ * @param {number} end
+ */
+function findDifference(numbers, others, start, end) {
+  let at = start;
+  while (at < end && numbers[at] === others[at]) ++at;
+  return at;
+}
+
+/**
  * In how many places two arrays of one length differ. Where possible, four bytes are compared at once.
  *
  * @param {Uint8Array} bytes
  * @param {Uint8Array} otherBytes
  */
 async function countDifferences(bytes, otherBytes) {
-  const [words, otherWords] = [toWords(bytes), toWords(otherBytes)];
-  const haveWords = words !== undefined && otherWords !== undefined;
+  const words = [toWords(bytes), toWords(otherBytes)];
+  const [numbers, others] = words[0] && words[1] ? [words[0], words[1]] : [bytes, otherBytes];
+  const step = bytes.length / numbers.length; // bytes in a number
   let count = 0;
   for (let start = 0; start < bytes.length; start += sliceSize) {
-    const end = Math.min(start + sliceSize, bytes.length);
-    for (let i = start; i < end; i += 4) {
-      if (haveWords && words[i >> 2] === otherWords[i >> 2]) continue;
-      for (let at = i; at < Math.min(i + 4, end); ++at) {
-        if (bytes[at] !== otherBytes[at]) ++count;
-      }
+    const end = Math.min(start + sliceSize, bytes.length) / step;
+    for (
+      let i = findDifference(numbers, others, start / step, end);
+      i < end;
+      i = findDifference(numbers, others, i + 1, end)
+    ) {
+      for (let at = i * step; at < (i + 1) * step; ++at) if (bytes[at] !== otherBytes[at]) ++count;
     }
-    if (end < bytes.length) await letOthersWork();
+    if (end * step < bytes.length) await letOthersWork();
   }
   return count;
 }

@@ -134,7 +134,7 @@ async function startWebKit(folder) {
   });
   await driver.manage().setTimeouts({ script: stepLimit, pageLoad: stepLimit });
   return {
-    ...{ complaints: [], requests: [] }, // this driver does not tell
+    ...{ complaints: [], requests: [], dialogs: [] }, // this driver does not tell
     async go(url) {
       await driver.get(url); // sometimes returns before the page's scripts have run
       const isLoaded = `return document.readyState === "complete" && location.href !== "about:blank"`;
@@ -177,6 +177,7 @@ export async function open(name, url, flags = []) {
       const find = `${search(text, heading)} ?? (() => { throw new Error(${missing}) })()`;
       return browser.evaluate(`(...args) => (${fn})(${find}, ...args)`, ...args);
     },
+    until,
     waitFor: (fn, ...args) => until(() => browser.evaluate(fn, ...args), `this holds: ${fn}`),
     /** What is visible in the part with this heading, or on the whole page. */
     text: (heading) => browser.evaluate(`() => (${findPart})(${JSON.stringify(heading)})?.innerText ?? ""`),
