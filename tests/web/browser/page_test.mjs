@@ -3,7 +3,17 @@
 // are sessions, in the text beside this file.
 import assert from "node:assert/strict";
 import { execFileSync } from "node:child_process";
-import { cpSync, mkdirSync, mkdtempSync, readFileSync, rmSync, utimesSync, writeFileSync } from "node:fs";
+import {
+  cpSync,
+  mkdirSync,
+  mkdtempSync,
+  readdirSync,
+  readFileSync,
+  rmSync,
+  statSync,
+  utimesSync,
+  writeFileSync,
+} from "node:fs";
 import { tmpdir } from "node:os";
 import { basename, dirname, join } from "node:path";
 import { after, test } from "node:test";
@@ -89,7 +99,10 @@ function untilExamined(browser, files) {
 const focused = (browser) =>
   browser.evaluate(() => document.activeElement.ariaLabel ?? document.activeElement.innerText.split("\n")[0]);
 
-/** Drops files, in Chromium as a person does, and the others by an event: no script can drop there. */
+/**
+ * Drops files and folders, in Chromium as a person does. In the others no script can do that, and the files that are in the
+ * folders are dropped by an event.
+ */
 async function drop(browser, paths) {
   if (browser.name === "chromium") {
     const client = await browser.page.createCDPSession();
@@ -98,7 +111,10 @@ async function drop(browser, paths) {
       await client.send("Input.dispatchDragEvent", { type, x: 100, y: 100, data });
     }
   } else {
-    const files = paths.map((each) => [basename(each), new Uint8Array(readFileSync(each))]);
+    const withContents = (each) =>
+      statSync(each).isFile() ? [each] : readdirSync(each, { recursive: true }).map((name) => join(each, name));
+    const all = paths.flatMap(withContents).filter((each) => statSync(each).isFile());
+    const files = all.map((each) => [basename(each), new Uint8Array(readFileSync(each))]);
     await browser.evaluate((entries) => {
       const dataTransfer = new DataTransfer();
       for (const [name, bytes] of entries) dataTransfer.items.add(new File([bytes], name));
@@ -200,7 +216,11 @@ for (const session of sessions) {
   testIn(all ? names : ["chromium"], name, async (browser) => {
     for (const line of lines) {
       const [, word, text] = /^\$ (\S+) ?(.*)$/.exec(line);
-      await steps[word](browser, text).catch((error) => assert.fail(`${line}\n${error.message}`));
+      try {
+        await steps[word](browser, text);
+      } catch (error) {
+        assert.fail(`${line}\n${error.message}`);
+      }
     }
   });
 }
