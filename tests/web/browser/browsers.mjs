@@ -177,7 +177,6 @@ export async function open(name, url, flags = []) {
       const find = `${search(text, heading)} ?? (() => { throw new Error(${missing}) })()`;
       return browser.evaluate(`(...args) => (${fn})(${find}, ...args)`, ...args);
     },
-    until,
     waitFor: (fn, ...args) => until(() => browser.evaluate(fn, ...args), `this holds: ${fn}`),
     /** What is visible in the part with this heading, or on the whole page. */
     text: (heading) => browser.evaluate(`() => (${findPart})(${JSON.stringify(heading)})?.innerText ?? ""`),

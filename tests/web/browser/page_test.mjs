@@ -144,10 +144,10 @@ async function checkAccessibility(browser) {
   await browser.page.emulateMediaFeatures([]);
 }
 
-/** Whether the page says this; "..." is any text. */
-async function says(browser, text) {
+/** A pattern of this text, in which "..." is any text, and blanks are any white space. */
+function patternOf(text) {
   const parts = text.split(" ... ").map((part) => part.replace(/[.*+?^${}()|[\]\\]/g, "\\$&").replaceAll(" ", "\\s+"));
-  return new RegExp(parts.join("[^]*")).test(await browser.text());
+  return new RegExp(parts.join("[^]*"));
 }
 
 const splitAt = (text, separator) => text.split(separator).map((part) => part.trim());
@@ -165,8 +165,8 @@ const steps = {
     await steps.focus(browser, text);
   },
   focus: async (browser, text) => assert.ok((await focused(browser)).startsWith(text), await focused(browser)),
-  see: (browser, text) => browser.until(() => says(browser, text), `the page says ${text}`),
-  not: async (browser, text) => assert.ok(!(await says(browser, text)), await browser.text()),
+  see: (browser, text) => browser.waitForText(patternOf(text)),
+  not: async (browser, text) => assert.doesNotMatch(await browser.text(), patternOf(text)),
   async disabled(browser, text) {
     const [label, part] = splitAt(text, / in (?=From$)/);
     assert.ok(await browser.evaluateOn(label, part, (element) => (element.control ?? element).disabled));
