@@ -286,6 +286,10 @@ testInChromium("what fails is reported, and works again once it can", async (bro
   await repairProgram();
   await browser.click(put);
   await steps.see(browser, "Not saved yet");
+  await steps.click(browser, "Start over (no file is deleted)");
+  await browser.evaluate(() => void (globalThis.DecompressionStream = undefined));
+  await browser.click("Try it with examples");
+  await steps.see(browser, "That did not work. TypeError: DecompressionStream is not a constructor");
 });
 
 testInChromium("a run that does not end can be stopped, and the next one works", async (browser) => {
