@@ -91,7 +91,7 @@ async function timeFlags(count) {
   await browser.go(url);
   const others = ["savegame.dat", "scr_collectableids.asm", "scr_globaldefines.asm", "generated/world.inc"];
   await give(others, "Values of savegame.dat");
-  return give([`flags${count}/scr_flags.asm`], `Game flags of savegame.dat: ${count.toLocaleString("en")} of`);
+  return give([`flags${count}/scr_flags.asm`], `Game flags of savegame.dat: ${count.toLocaleString("en")}`);
 }
 
 async function timeKeys(roundCount) {
@@ -102,7 +102,8 @@ async function timeKeys(roundCount) {
   const [times, tasks] = [[], []];
   for (const [key, text] of Array(roundCount).fill(steps).flat()) {
     const found = Array.from({ length: 50_000 }, (_, i) => `FLAG_${i}`).filter((name) => name.includes(text));
-    const caption = `Game flags of savegame.dat: ${found.length.toLocaleString("en")} of`;
+    const of = text === "" ? "" : " of";
+    const caption = `Game flags of savegame.dat: ${found.length.toLocaleString("en")}${of}`;
     times.push(await time(() => browser.press(key), "keydown", caption));
     if (text === "") tasks.push(await takeLongestTask());
   }

@@ -95,7 +95,9 @@ async function chooseLikely(files) {
     const rank = ranks[rankOf(given.path)];
     if (rank.length < fileCountLimit) rank.push(given);
   }
-  const chosen = ranks.flat().slice(0, fileCountLimit);
+  const byPath = (/** @type {Given} */ a, /** @type {Given} */ b) =>
+    a.path.localeCompare(b.path, "en", { numeric: true });
+  const chosen = ranks.flatMap((rank) => rank.sort(byPath)).slice(0, fileCountLimit);
   return { files: chosen, leftOut: count - chosen.length };
 }
 

@@ -65,19 +65,21 @@ export function compareSavegames(savegame, other) {
 }
 
 /**
- * The flags that differ, each with the values of the first savegame and then of the other one. Both lists have the same
- * flags in the same order, since they were read with the same sources.
+ * Flags, each with the values of the first savegame and then of the other one. Both lists have the same flags in the same
+ * order, since they were read with the same sources.
  *
  * @param {Flag[]} flags
  * @param {Flag[]} others
  * @returns {Flag[]}
  */
+export function joinFlags(flags, others) {
+  return flags.map(({ name, values }, i) => ({ name, values: [...values, ...others[i].values] }));
+}
+
+/** Those that differ, likewise. @param {Flag[]} flags @param {Flag[]} others */
 export function compareFlags(flags, others) {
-  return flags.flatMap(({ name, values }, i) => {
-    const otherValues = others[i].values;
-    const isSame = values.every((value, disc) => value === otherValues[disc]);
-    return isSame ? [] : { name, values: [...values, ...otherValues] };
-  });
+  const isSame = (/** @type {Flag} */ { values }) => values.slice(0, 2).join() === values.slice(2).join();
+  return joinFlags(flags, others).filter((flag) => !isSame(flag));
 }
 
 /** The first of the other media that has the same savegame. @param {Medium} medium @param {Medium[]} media */

@@ -1,5 +1,5 @@
 // The names of the files that the page makes: they say what is in them and where it came from, and never grow.
-import { cutToBytes, lastName, splitExtension, withoutAdditions } from "./names.js";
+import { cutToBytes, folderOf, lastName, splitExtension, withoutAdditions } from "./names.js";
 
 /** @import { Medium } from "./types.js" */
 
@@ -27,16 +27,20 @@ function formatTime(time) {
 }
 
 /**
- * What the names of a medium's files have in common: "zarnis" of "zarnis2.d64" and "zarnis3.d64".
+ * What the names of a medium's files have in common: "zarnis" of "zarnis2.d64" and "zarnis3.d64". If that is nothing, it is
+ * the name of their folder.
  *
  * @param {Medium} medium
  */
 function commonName({ files }) {
+  const { path } = files[0];
   const [first, other] = files.map(({ name }) => withoutAdditions(splitExtension(name).stem));
   if (other === undefined) return first;
   let length = 0;
   while (length < first.length && first[length] === other[length]) ++length;
-  return first.slice(0, length).replace(/[\s([_.-]*(dis[ck]|side)?[\s([_.-]*$/i, "") || first;
+  const common = first.slice(0, length).replace(/[\s([_.-]*(dis[ck]|side)?[\s([_.-]*$/i, "");
+  const folder = lastName(folderOf(path).slice(0, -1)).replace(/\.(zip|gz)$/i, "");
+  return common || folder || "discs";
 }
 
 /**

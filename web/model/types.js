@@ -19,10 +19,11 @@
 /** @typedef {Disc[]} Savegame disc 2, then disc 3 */
 
 /**
- * What a file is. A floppy image has the savegame of one disc, and `tailSize` error bytes at its end. The `command` of a
+ * What a file is. A floppy image has the savegame of one disc, and `tailSize` error bytes at its end; all other bytes of a
+ * blank one are the same. The `command` of a
  * memory image is what follows "extract" and "implant"; one that `canTake` has a place for every byte of a savegame.
  * A refused file has a reason, and maybe an error.
- * @typedef {{kind: "floppy", disc: Disc, tailSize: number}
+ * @typedef {{kind: "floppy", disc: Disc, tailSize: number, isBlank: boolean}
  *   | {kind: "memory", command: string, savegame: Savegame, canTake: boolean}
  *   | {kind: "data", savegame: Savegame}
  *   | {kind: "source"}

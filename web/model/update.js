@@ -323,8 +323,8 @@ function withoutLostResult(before, state) {
   const begun = before.jobs[0]?.id;
   const jobs = state.jobs.filter((job) => job.id === begun || job.kind !== "make" || isOfChoices(state, job));
   if (!result || isOfChoices(state, result)) return { ...state, jobs };
-  const names = result.files.map(({ name }) => isolate(name)).join(" and ");
-  return { ...state, jobs, result: undefined, gone: { ...gone, result: names } };
+  const unsaved = result.files.filter(({ isSaved }) => !isSaved).map(({ name }) => isolate(name));
+  return { ...state, jobs, result: undefined, gone: { ...gone, result: unsaved.join(" and ") || undefined } };
 }
 
 // Flags

@@ -43,7 +43,8 @@ async function examineFloppy(run, name, bytes) {
   const data = await tryToExtract(run, { command: "d64", files: [image, image] });
   if (!data) throw new Error("The savegame could not be taken out.");
   const [disc] = await inspect(run, data);
-  return { kind: "floppy", disc, tailSize: bytes.length - floppySize };
+  const isBlank = bytes.subarray(0, floppySize).every((byte) => byte === bytes[0]);
+  return { kind: "floppy", disc, tailSize: bytes.length - floppySize, isBlank };
 }
 
 /** Why a file that is no medium cannot be used. @param {number} size @param {string} extension */

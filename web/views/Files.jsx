@@ -2,7 +2,8 @@
 import { countFound, groupFiles } from "../model/cards.js";
 import { findSameSavegame } from "../model/compare.js";
 import { findMedia, hasSavegame, mediumOfFile, mediumOfPair } from "../model/media.js";
-import { discNumbers } from "../model/pairs.js";
+import { readDiscName } from "../model/names.js";
+import { discNumbers, findFreeFloppies } from "../model/pairs.js";
 import { sourceRoles } from "../model/sources.js";
 import { Choice, countOf, Fold, formatNumber, formatSize, formatTime, goTo, Short, shortTitleOf } from "./parts.jsx";
 import { Damages, Remarks, Summary } from "./savegames.jsx";
@@ -14,6 +15,8 @@ import { Damages, Remarks, Summary } from "./savegames.jsx";
 
 /** @typedef {{state: State, titles: Map<string, string>, send: Send}} Common */
 
+/** @type {[string, string]} */
+const cannotBeUsed = ["file that cannot be used as it is", "files that cannot be used as they are"];
 const unpackIt = "Unpack it yourself, and add the files that are in it.";
 const needed = "add disc 2 and disc 3 of the game, or the memory expansion";
 
@@ -113,8 +116,9 @@ const groundsInWords = {
  * @param {Common & {pair: Pair, disc: DiscNumber}} props
  */
 function DiscPlace({ state, titles, pair, disc, send }) {
-  const floppies = state.files.filter(({ contents }) => contents.kind === "floppy");
-  const file = floppies.find(({ id }) => id === pair[disc]?.file);
+  const file = state.files.find(({ id }) => id === pair[disc]?.file);
+  // Keys choose one after the other in a list: no disc of another place is in it.
+  const floppies = [...(file ? [file] : []), ...findFreeFloppies(state.files, state.pairs)];
   const options = [["", "– none –"], ...floppies.map(({ id, title }) => [id, titles.get(title) ?? title])];
   const position = state.pairs.length > 1 ? ` of pair ${state.pairs.indexOf(pair) + 1}` : "";
   /** @param {string} id */
@@ -141,12 +145,21 @@ function DiscLine({ state, titles, pair, disc }) {
   const place = pair[disc];
   const file = state.files.find(({ id }) => id === place?.file);
   if (!file || !place) return <li class="remark">Disc {disc} is missing: please add it, or choose it below.</li>;
+  const { number = disc } = readDiscName(file.path);
   return (
     <li id={`disc-${file.id}`}>
       Disc {disc}: <Short titles={titles} title={file.title} />{" "}
       <span class="kind">({groundsInWords[place.grounds]})</span>
+      {number !== disc && <span class="remark">But its name says {number}.</span>}
+      <Blank file={file} />
     </li>
   );
+}
+
+/** @param {{file: FileFacts}} props */
+function Blank({ file }) {
+  if (file.contents.kind !== "floppy" || !file.contents.isBlank) return undefined;
+  return <span class="remark">It is blank: the game’s own discs are not.</span>;
 }
 
 /** @param {{file: FileFacts}} props */
@@ -160,6 +173,7 @@ function Contents({ state, titles, medium, send }) {
   const same = hasSavegame(medium.savegame) && findSameSavegame(medium, findMedia(state));
   /** @param {string} id */
   function look(id) {
+    send({ type: "searchTyped", text: "" });
     send({ type: "shownChosen", medium: id });
     goTo("look-heading");
   }
@@ -198,7 +212,10 @@ function PairCard({ state, titles, pair, send }) {
       </ul>
       {medium ? <Contents state={state} titles={titles} medium={medium} send={send} /> : <Summary discs={discs} />}
       {medium?.isSame && (
-        <p class="warning">Both discs have the same contents: one of them is the wrong file. Nothing can be moved.</p>
+        <p class="warning">
+          Both discs have the same contents, so they are not disc 2 and disc 3 of the game. A savegame goes into copies
+          of the game’s own discs: please add those.
+        </p>
       )}
       <Fold isOpen={!medium} summary={`Change or swap the discs${position && ` of${position.slice(1)}`}`}>
         <p class="kind">The files themselves do not say which disc they are.</p>
@@ -271,6 +288,7 @@ function FreeFloppy({ file, ...common }) {
   return (
     <FileCard title={<Short titles={common.titles} title={file.title} />} files={[file]} send={common.send}>
       {file.contents.kind === "floppy" && <Summary discs={[file.contents.disc]} />}
+      <Blank file={file} />
       <PlaceButtons file={file} {...common} />
     </FileCard>
   );
@@ -281,10 +299,13 @@ function FreeFloppies({ files, ...common }) {
   if (files.length === 0) return undefined;
   const hasPair = common.state.pairs.some((pair) => pair[2] && pair[3]);
   return (
-    <Fold isOpen={!hasPair} summary={countOf(files.length, "other floppy disc", "other floppy discs")}>
+    <Fold
+      isOpen={!hasPair}
+      summary={countOf(files.length, "floppy disc without its other disc", "floppy discs without their other disc")}
+    >
       <p class={hasPair ? "kind" : "warning"}>
         {hasPair
-          ? "They are not used, unless you say which disc they are."
+          ? "They are not used, unless you say which disc they are: their names, or folders, do not say which belong together."
           : "The savegame is on disc 2 and disc 3 of the game, and the names do not say which files belong together. Say which disc each one is. If one is missing, add it."}
       </p>
       <ul role="list">
@@ -299,7 +320,7 @@ function FreeFloppies({ files, ...common }) {
 /** @param {Common & {files: FileFacts[]}} props */
 function Sources({ state, titles, files, send }) {
   if (files.length === 0) return undefined;
-  const options = [...sourceRoles.map((name) => [name, name]), ["", "another file, in generated/"]];
+  const options = [...sourceRoles.map((name) => [name, name]), ["", "none of these"]];
   const roleOf = (/** @type {FileFacts} */ { id }) => sourceRoles.find((role) => state.sources[role] === id) ?? "";
   const choose = (/** @type {string} */ id, /** @type {string} */ role) =>
     send({ type: "roleChosen", file: id, role: /** @type {SourceRole} */ (role) || undefined });
@@ -313,8 +334,8 @@ function Sources({ state, titles, files, send }) {
           <li key={file.id} class="line file" tabIndex={-1}>
             <Short titles={titles} title={file.title} />
             <Choice
-              label="is the game’s"
-              name={`${file.title} is the game’s`}
+              label="is used as"
+              name={`${file.title} is used as`}
               options={options}
               value={roleOf(file)}
               onChoose={(role) => choose(file.id, role)}
@@ -331,7 +352,7 @@ function Sources({ state, titles, files, send }) {
 function RefusedFiles({ titles, files, isOpen, send }) {
   if (files.length === 0) return undefined;
   return (
-    <Fold isOpen={isOpen} summary={`${countOf(files.length, "file", "files")} that cannot be used`}>
+    <Fold isOpen={isOpen} summary={countOf(files.length, ...cannotBeUsed)}>
       <ul role="list">
         {files.map((file) => (
           <li key={file.id} class="line file" tabIndex={-1}>
@@ -364,7 +385,7 @@ export function Found({ state, onStartOver }) {
     savegames > 0 && `${countOf(savegames, "savegame", "savegames")}${notes}`,
     places > 0 && `${formatNumber(places)} empty ${places === 1 ? "place" : "places"} for one`,
     single > 0 && countOf(single, "floppy disc without its other disc", "floppy discs without their other disc"),
-    refused > 0 && `${countOf(refused, "file", "files")} that cannot be used`,
+    refused > 0 && countOf(refused, ...cannotBeUsed),
   ].filter((part) => part !== false);
   return (
     <div class="found">

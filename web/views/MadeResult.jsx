@@ -1,4 +1,5 @@
 // What a transfer has made: first the buttons to save it, then what to do next and what was compared.
+import { hasSavegame } from "../model/media.js";
 import { isolate } from "../model/names.js";
 import { countSaved, hasUnsaved, isHalfSaved } from "../model/result.js";
 import { ConcernText } from "./concerns.jsx";
@@ -20,7 +21,7 @@ function proofsOf({ files, into, fromTitle, intoTitle, hasBackup }) {
   return [
     `What comes out of the copy is the savegame of ${fromTitle}: all 1,024 bytes are equal.`,
     ...changes,
-    `With the old savegame put back, the copy equals ${intoTitle}: nothing but the savegame has changed.`,
+    `With ${hasSavegame(into.savegame) ? "the old savegame" : "what was in its place"} put back, the copy equals ${intoTitle}: nothing but the savegame has changed.`,
     ...(hasBackup
       ? [`The same step shows that “${isolate(files.at(-1)?.name ?? "")}” restores the old savegame completely.`]
       : []),

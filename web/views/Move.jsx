@@ -24,7 +24,7 @@ const overItself =
 
 /** @type {Record<NonNullable<Option["refusal"]>, string>} */
 const refusals = {
-  same: "Both discs have the same contents.",
+  same: "Both discs have the same contents: they are not disc 2 and disc 3 of the game.",
   outdated: "It has changed on the disk: add it again.",
   noSavegame: "It has no savegame.",
   noSavegameAnywhere: "There is no savegame here: save in the game first.",

@@ -28,9 +28,8 @@ function describeSome(titles) {
 function textOf(notice) {
   switch (notice.kind) {
     case "replaced":
-      return notice.old.contents.kind === "refused"
-        ? `${notice.file.title} was added again, in place of the one that could not be used.`
-        : `${notice.old.title} of ${formatTime(notice.old.modified)} has changed on the disk. The file of this name that you added now, of ${formatTime(notice.file.modified)}, is in its place. If that is another file, add the first one again, too.`;
+      if (notice.old.contents.kind === "refused") return undefined; // with the others of its kind
+      return `${notice.old.title} of ${formatTime(notice.old.modified)} has changed on the disk. The file of this name that you added now, of ${formatTime(notice.file.modified)}, is in its place. If that is another file, add the first one again, too.`;
     case "nothingGiven":
       return "There are no files in it.";
     case "leftOut":
@@ -55,6 +54,9 @@ export function Notices({ state, send }) {
     goTo("files-heading");
   }
   const shown = notices.flatMap((notice) => ({ id: notice.id, text: textOf(notice) }));
+  const again = notices.flatMap((notice) =>
+    notice.kind === "replaced" && notice.old.contents.kind === "refused" ? notice.file.title : [],
+  );
   return (
     <div role="status">
       {shown
@@ -67,6 +69,7 @@ export function Notices({ state, send }) {
             </button>
           </div>
         ))}
+      {again.length > 0 && <p class="note">Added again, in place of what could not be used: {describeSome(again)}.</p>}
       {doubles.length > 0 && (
         <div class="note">
           In the list already, with the same date and contents: {doubles.map(({ path }) => toTitle(path)).join(", ")}.{" "}

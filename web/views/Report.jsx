@@ -1,5 +1,5 @@
 // What a savegame holds, alone or beside another one: values, items and flags.
-import { compareFlags } from "../model/compare.js";
+import { compareFlags, countDifferentBytes, joinFlags } from "../model/compare.js";
 import { findMedia, findMedium, hasSavegame } from "../model/media.js";
 import { toTitle } from "../model/names.js";
 import { findRows } from "../model/search.js";
@@ -106,7 +106,8 @@ function SavegameTables({ savegame, title, search }) {
 /** @param {{title: string, flags: Flag[], headings: string[], search: string}} props */
 function FlagTable({ title, flags, headings, search }) {
   const { count, rows } = findRows(flags, search);
-  const caption = `${title}: ${formatNumber(count)} of ${formatNumber(flags.length)}`;
+  const isAll = count === flags.length;
+  const caption = `${title}: ${formatNumber(count)}${isAll ? "" : ` of ${formatNumber(flags.length)}`}`;
   if (count === 0) return <p class="kind">{caption}</p>;
   return (
     <>
@@ -193,6 +194,9 @@ function Comparison({ state, titles, media }) {
   const [medium, other] = media;
   const names = media.map((each) => shortTitleOf(titles, each));
   const headings = names.flatMap((name) => discColumns.map((disc) => `${disc} of ${name}`));
+  const isSame = countDifferentBytes(medium.savegame, other.savegame) === 0;
+  const isSearching = state.search !== "";
+  const compare = isSearching ? joinFlags : compareFlags;
   const [flags, otherFlags] = media.map(({ id }) => state.flagReports.find((report) => report.medium === id)?.flags);
   return (
     <div class="note">
@@ -204,11 +208,11 @@ function Comparison({ state, titles, media }) {
         headings={names}
         savegames={[medium.savegame, other.savegame]}
       />
-      <p class="kind">The savegames do not say which of them is the later one.</p>
+      {!isSame && <p class="kind">The savegames do not say which of them is the later one.</p>}
       {flags && otherFlags && (
         <FlagTable
-          title="Flags that differ"
-          flags={[...compareFlags(flags.game, otherFlags.game), ...compareFlags(flags.world, otherFlags.world)]}
+          title={isSearching ? "Flags of both" : "Flags that differ"}
+          flags={[...compare(flags.game, otherFlags.game), ...compare(flags.world, otherFlags.world)]}
           headings={headings}
           search={state.search}
         />

@@ -30,8 +30,9 @@ export function describeHolding(discs) {
 /** @param {{discs: Disc[]}} props */
 function Badge({ discs }) {
   if (!hasSavegame(discs)) return <span class="badge">no savegame</span>;
-  const isDamaged = discs.some(({ state }) => state === "damaged");
-  return <span class={`badge ${isDamaged ? "damaged" : "good"}`}>{isDamaged ? "damaged savegame" : "savegame"}</span>;
+  if (discs.some(({ state }) => state === "damaged")) return <span class="badge damaged">damaged savegame</span>;
+  if (discs.some(({ state }) => state === "none")) return <span class="badge damaged">half a savegame</span>;
+  return <span class="badge good">savegame</span>;
 }
 
 /** What there is, at a glance. @param {{discs: Disc[]}} props */
@@ -87,7 +88,7 @@ export function Differences({ savegames, headings, caption }) {
     <>
       <Table caption={caption} headings={["What differs", ...headings]} rows={rows} />
       {differences.length > rows.length && <p>And {differences.length - rows.length} more.</p>}
-      <p class="kind">{bytes}</p>
+      <p class="kind">{bytes} Flags, and bytes that nobody can explain, are not in this table.</p>
     </>
   );
 }

@@ -293,15 +293,17 @@ testInChromium("what fails is reported, and works again once it can", async (bro
 });
 
 testInChromium("a run that does not end can be stopped, and the next one works", async (browser) => {
+  await give(browser, ["other.dat"]);
   await browser.evaluate(() => {
     const { postMessage } = Worker.prototype;
     Worker.prototype.postMessage = () => (Worker.prototype.postMessage = postMessage); // the first message is lost
   });
   await browser.upload("Choose files", [path("savegame.dat")]);
   await browser.click("Stop");
+  await browser.click("1 file that cannot be used as it is");
   await steps.see(browser, "The program could not look into it. ... You have stopped it");
   await give(browser, ["savegame.dat"]);
-  await steps.see(browser, "Found: 1 savegame");
+  await steps.see(browser, "Found: 2 savegames");
 });
 
 testInChromium("files with strange names are shown as they are, moved and saved", async (browser) => {

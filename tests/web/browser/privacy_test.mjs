@@ -26,8 +26,11 @@ function everything(base) {
   const markup = ways.filter(([place]) => place === "markup").map(([, name, text]) => text.replace("URL", base + name));
   return `() => {
     new Worker(URL.createObjectURL(new Blob([${inWorker("worker")}])));
-    document.getElementById("worker").textContent += ${inWorker("own-worker")};
-    globalThis.stashkeep([]);
+    const ended = globalThis.stashkeep(["check", "/"]).catch(() => {}); // a failure ends the worker
+    ended.then(() => {
+      document.getElementById("worker").textContent += ${inWorker("own-worker")};
+      globalThis.stashkeep([]);
+    });
     ${statements(["both", "page"], base)}
     for (const text of ${JSON.stringify(markup)}) document.body.insertAdjacentHTML("beforeend", text);
     for (const element of document.querySelectorAll("form button, a[ping]")) element.click();

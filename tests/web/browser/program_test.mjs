@@ -130,6 +130,7 @@ async function runWithFault(fault) {
   const run = () => globalThis.stashkeep(["check", "a"], { a: new Uint8Array() });
   const worker = document.getElementById("worker");
   const script = worker.textContent;
+  await globalThis.stashkeep(["check", "/"]).catch(() => {}); // a failure ends the present worker
   worker.textContent = `${fault};\n${script}`;
   const message = await run().then(() => "no error", String);
   worker.textContent = script;

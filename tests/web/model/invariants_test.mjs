@@ -124,7 +124,8 @@ function resultIsOfWhatIsChosen({ before, action, after, begun }) {
   if (waiting.some(isOther)) return "something is going to be made that is not chosen";
   if (!old || now || action.type === "startedOver") return undefined;
   if (old === chosen) return "the result is gone, although its files are chosen";
-  if (after.gone.result !== old) return "the result is gone, and the page does not say so";
+  const isSaved = before.result.files.every((file) => file.isSaved);
+  if (!isSaved && after.gone.result !== old) return "the result is gone, and the page does not say so";
 }
 
 function failuresAreAlone({ before, action, after }) {

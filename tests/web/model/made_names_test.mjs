@@ -38,7 +38,8 @@ test("a backup is named after where the savegame comes from, and when that was w
     { of: ["Zarnis (Disk 2 of 3).d64", "Zarnis (Disk 3 of 3).d64"], name: `Zarnis, money 40, ${when}` },
     { of: ["game (savegame of x, money 7, 2019-01-01 00-00-00).reu"], name: `game, money 40, ${when}` },
     { of: ["backup of old, money 7, 2019-01-01 00-00-00.dat"], name: "old, money 7, 2019-01-01 00-00-00" },
-    { of: ["2.d64", "3.d64"], name: `2, money 40, ${when}` },
+    { of: ["2.d64", "3.d64"], name: `discs, money 40, ${when}` },
+    { of: ["from anna.zip/disc2.d64", "from anna.zip/disc3.d64"], name: `from anna, money 40, ${when}` },
   ];
   for (const { of, name } of cases) assert.equal(nameOfBackup(mediaOf(...of)[0]), `backup of ${name}.dat`);
 });
