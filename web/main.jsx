@@ -46,9 +46,19 @@ function show() {
   if (focused !== document.body && focused.isConnected) scrollBy(0, focused.getBoundingClientRect().top - top);
 }
 
+/** Whether what the person does would lose new files that are not saved. @param {Action} action */
+function isDiscarding(action) {
+  const choosing = ["fromChosen", "intoChosen", "discChosen", "discTakenOut", "discsExchanged", "fileRemoved"];
+  return choosing.includes(action.type) && hasUnsaved(state.result) && !update(state, action).result;
+}
+
 /** @param {Action} action */
 function send(action) {
   const before = state;
+  if (isDiscarding(action) && !confirm("Not all new files are saved yet. Go on without them?")) {
+    state = { ...state, choices: { ...state.choices } }; // so that what was clicked is shown as it is
+    return show();
+  }
   try {
     state = update(state, action);
   } catch (error) {

@@ -33,14 +33,17 @@ function formatTime(time) {
  * @param {Medium} medium
  */
 function commonName({ files }) {
-  const { path } = files[0];
   const [first, other] = files.map(({ name }) => withoutAdditions(splitExtension(name).stem));
   if (other === undefined) return first;
+  const [small, otherSmall] = [first.toLowerCase(), other.toLowerCase()];
   let length = 0;
-  while (length < first.length && first[length] === other[length]) ++length;
+  while (length < first.length && small[length] === otherSmall[length]) ++length;
   const common = first.slice(0, length).replace(/[\s([_.-]*(dis[ck]|side)?[\s([_.-]*$/i, "");
-  const folder = lastName(folderOf(path).slice(0, -1)).replace(/\.(zip|gz)$/i, "");
-  return common || folder || "discs";
+  const [folder, otherFolder] = files.map((file) => folderOf(file.path));
+  const areTogether = folder === otherFolder;
+  const isEnough = common.length > 2 || (common !== "" && areTogether);
+  const folderName = areTogether ? lastName(folder.slice(0, -1)).replace(/\.(zip|gz)$/i, "") : "";
+  return (isEnough ? common : folderName) || "discs";
 }
 
 /**

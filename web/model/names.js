@@ -118,7 +118,7 @@ export function insertBeforeExtension(name, addition) {
  * @returns {Map<string, string>} the short one of each
  */
 export function shortenTitles(titles) {
-  const limit = 64; // characters
+  const limit = 90; // characters
   const folders = titles.map((title) => title.replace(isolates, "").split("/").slice(0, -1));
   const [first = []] = folders;
   const others = first.findIndex((name, depth) => folders.some((folder) => folder[depth] !== name));

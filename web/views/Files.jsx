@@ -306,7 +306,9 @@ function FreeFloppies({ files, ...common }) {
       <p class={hasPair ? "kind" : "warning"}>
         {hasPair
           ? "They are not used, unless you say which disc they are: their names, or folders, do not say which belong together."
-          : "The savegame is on disc 2 and disc 3 of the game, and the names do not say which files belong together. Say which disc each one is. If one is missing, add it."}
+          : files.length === 1
+            ? "The savegame is on disc 2 and disc 3 of the game. Please add the other disc. If you have it already, say which disc this is."
+            : "The savegame is on disc 2 and disc 3 of the game. If one is missing, please add it. The names, or folders, do not say which files belong together: say which disc each one is."}
       </p>
       <ul role="list">
         {files.map((file) => (

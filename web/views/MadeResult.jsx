@@ -3,6 +3,7 @@ import { hasSavegame } from "../model/media.js";
 import { isolate } from "../model/names.js";
 import { countSaved, hasUnsaved, isHalfSaved } from "../model/result.js";
 import { ConcernText } from "./concerns.jsx";
+import { Remarks } from "./savegames.jsx";
 import { countOf, formatNumber, formatSize, shortTitleOf } from "./parts.jsx";
 
 /** @import { Result } from "../model/types.js" */
@@ -103,6 +104,7 @@ export function MadeResult({ result, titles, onSave, onSaveAll }) {
           As before: <ConcernText concern={concern} />
         </p>
       ))}
+      {from.kind === "pair" && <Remarks savegame={from.savegame} title={`As before: ${titled.fromTitle}`} />}
       <h4>What to do next</h4>
       <ol>
         {nextSteps(titled).map((text) => (

@@ -1,5 +1,5 @@
 // From where a savegame is moved, and into what; what will be lost; what has to be agreed to; and the button.
-import { countDifferentBytes } from "../model/compare.js";
+import { countDifferentBytes, findRemarks } from "../model/compare.js";
 import { findConcerns } from "../model/concerns.js";
 import {
   findFromOptions,
@@ -14,6 +14,7 @@ import { ConcernText } from "./concerns.jsx";
 import { Gone, goTo, joinWords, shortTitleOf, Warning } from "./parts.jsx";
 import { describeHolding, Differences, Remarks } from "./savegames.jsx";
 
+/** @import { ComponentChildren } from "preact" */
 /** @import { Concern, Medium, Option, State } from "../model/types.js" */
 /** @import { Send } from "./App.jsx" */
 
@@ -39,8 +40,9 @@ const refusals = {
  * @param {{id: string, title: string, details: string, refusal?: string}[]} props.options
  * @param {string} [props.chosen]
  * @param {(id: string) => void} props.onChoose
+ * @param {ComponentChildren} [props.children]
  */
-function RadioGroup({ name, legend, gone, options, chosen, onChoose }) {
+function RadioGroup({ name, legend, gone, options, chosen, onChoose, children }) {
   return (
     <fieldset>
       <legend>{legend}</legend>
@@ -60,6 +62,7 @@ function RadioGroup({ name, legend, gone, options, chosen, onChoose }) {
           </span>
         </label>
       ))}
+      {children}
     </fieldset>
   );
 }
@@ -113,6 +116,17 @@ function Agreement({ state, concerns, send }) {
   );
 }
 
+/** What lets one doubt that two discs belong together. @param {{medium: Medium, title: string}} props */
+function Doubt({ medium, title }) {
+  if (findRemarks(medium.savegame).length === 0) return undefined;
+  return (
+    <div class="warning">
+      <h3>Are these two discs of the same savegame?</h3>
+      <Remarks savegame={medium.savegame} title={title} />
+    </div>
+  );
+}
+
 /**
  * The last step: what is replaced, what to agree to, and the button.
  *
@@ -129,12 +143,8 @@ function LastStep({ state, titles, from, into, send }) {
   return (
     <>
       {isReplacing && <Replacement titles={titles} from={from} into={into} />}
-      {[from, into].map(
-        (medium) =>
-          medium?.kind === "pair" && (
-            <Remarks key={medium.id} savegame={medium.savegame} title={shortTitleOf(titles, medium)} />
-          ),
-      )}
+      {from.kind === "pair" && <Doubt medium={from} title={shortTitleOf(titles, from)} />}
+      {into?.kind === "pair" && <Doubt medium={into} title={shortTitleOf(titles, into)} />}
       {concerns.length > 0 && <Agreement state={state} concerns={concerns} send={send} />}
       <p class="buttons">
         {state.result ? (
@@ -200,20 +210,20 @@ export function Move({ state, titles, send }) {
           chosen={choices.from}
           onChoose={(medium) => send({ type: "fromChosen", medium })}
         />
-        {from && intoRows.length > 0 && (
-          <RadioGroup
-            name="into"
-            legend="Into: where shall it go?"
-            gone={gone.into}
-            options={intoRows}
-            chosen={choices.into}
-            onChoose={(medium) => send({ type: "intoChosen", medium })}
-          />
-        )}
+        <RadioGroup
+          name="into"
+          legend="Into: where shall it go?"
+          gone={gone.into}
+          options={from ? intoRows : []}
+          chosen={choices.into}
+          onChoose={(medium) => send({ type: "intoChosen", medium })}
+        >
+          {hasFrom && !from && <p>First choose which savegame it is.</p>}
+          {!hasFrom && <p>There is no savegame to put anywhere yet.</p>}
+          {from && intoRows.length === 0 && <p>Add the file that the savegame shall go into.</p>}
+        </RadioGroup>
       </div>
       {!hasFrom && <p class="warning">To move a savegame, add the files that have it.</p>}
-      {hasFrom && !from && <p>Choose which savegame it is.</p>}
-      {from && intoRows.length === 0 && <p>Add the file that the savegame shall go into.</p>}
       {from && intoRows.length > 0 && choices.into === undefined && <p>Choose where it shall go.</p>}
       {from && choices.into !== undefined && (
         <LastStep state={state} titles={titles} from={from} into={into} send={send} />

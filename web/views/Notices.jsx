@@ -11,7 +11,10 @@ export function Lost({ names }) {
   return (
     <div role="status">
       {names && (
-        <p class="note">No longer offered: {names}. The files or the choices that it was made of have changed.</p>
+        <p class="note">
+          No longer offered, and not saved: {names}. The files or the choices that it was made of have changed. To get
+          it, choose them again, and press the button.
+        </p>
       )}
     </div>
   );

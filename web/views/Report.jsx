@@ -5,7 +5,7 @@ import { toTitle } from "../model/names.js";
 import { findRows } from "../model/search.js";
 import { findSources, sourceRoles } from "../model/sources.js";
 import { isLikelyUsed, itemName, otherValueNames, valueNames } from "../model/values.js";
-import { Choice, countOf, formatNumber, Gone, Name, ProgramOutput, shortTitleOf, Table } from "./parts.jsx";
+import { Choice, countOf, formatNumber, formatTime, Gone, Name, ProgramOutput, shortTitleOf, Table } from "./parts.jsx";
 import { Damages, Differences, Remarks, Summary } from "./savegames.jsx";
 
 /** @import { Disc, Flag, FlagReport, Medium, Savegame, Slot, State } from "../model/types.js" */
@@ -208,7 +208,12 @@ function Comparison({ state, titles, media }) {
         headings={names}
         savegames={[medium.savegame, other.savegame]}
       />
-      {!isSame && <p class="kind">The savegames do not say which of them is the later one.</p>}
+      {!isSame && (
+        <p class="kind">
+          {media.map((each, i) => `The file ${names[i]} was written ${formatTime(each.files[0].modified)}. `)}
+          The savegames themselves do not say which of them is the later one.
+        </p>
+      )}
       {flags && otherFlags && (
         <FlagTable
           title={isSearching ? "Flags of both" : "Flags that differ"}

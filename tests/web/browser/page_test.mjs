@@ -309,7 +309,7 @@ testInChromium("a run that does not end can be stopped, and the next one works",
 testInChromium("files with strange names are shown as they are, moved and saved", async (browser) => {
   const cases = [
     { name: "line\nbreak.reu", shown: "line␊break.reu", saved: "line_break" },
-    { name: `${"ü".repeat(125)}.fbn`, shown: `${"ü".repeat(32)}…${"ü".repeat(28)}.fbn`, saved: "ü".repeat(40) },
+    { name: `${"ü".repeat(125)}.fbn`, shown: `${"ü".repeat(45)}…${"ü".repeat(41)}.fbn`, saved: "ü".repeat(40) },
   ];
   write("<b>'\"&.dat", read("savegame.dat"));
   for (const { name } of cases) write(name, read("game.reu"));

@@ -42,11 +42,11 @@ test("what is shown of a path can be seen, and does not change the direction of 
 
 test("titles are shortened to what tells them apart", () => {
   const long = (end) => `${"a".repeat(50)}${"b".repeat(50)}${end}`;
-  const middle = (text) => `${"a".repeat(40)}${text}${"b".repeat(40)}`;
+  const middle = (text) => `${"a".repeat(50)}${text}${"b".repeat(50)}`;
   const cases = [
     { titles: ["zarnis/a/disc2.d64", "zarnis/b/disc2.d64"], short: ["a/disc2.d64", "b/disc2.d64"] },
     { titles: ["zarnis/disc2.d64", "disc3.d64"], short: ["zarnis/disc2.d64", "disc3.d64"] },
-    { titles: [long("1"), long("2")], short: ["1", "2"].map((end) => `${"a".repeat(32)}…${"b".repeat(31)}${end}`) },
+    { titles: [long("1"), long("2")], short: ["1", "2"].map((end) => `${"a".repeat(45)}…${"b".repeat(44)}${end}`) },
     { titles: [middle("1"), middle("2")], short: undefined }, // they would be the same
     { titles: ["\u2068a/משחק\u2069", "a/b"], short: ["\u2068משחק\u2069", "b"] },
   ];
