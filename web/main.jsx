@@ -48,7 +48,7 @@ function show() {
 
 /** Whether what the person does would lose new files that are not saved. @param {Action} action */
 function isDiscarding(action) {
-  const choosing = ["fromChosen", "intoChosen", "discChosen", "discTakenOut", "discsExchanged", "fileRemoved"];
+  const choosing = ["fromChosen", "intoChosen", "discChosen", "discTakenOut", "discsExchanged", "filesRemoved"];
   return choosing.includes(action.type) && hasUnsaved(state.result) && !update(state, action).result;
 }
 

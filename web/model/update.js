@@ -169,13 +169,13 @@ function markOutdated(files, outdated) {
   return files.map((file) => (outdated.includes(file.id) ? { ...file, isOutdated: true } : file));
 }
 
-/** @param {State} state @param {{id: string}} action @returns {State} */
-function fileRemoved(state, { id }) {
+/** @param {State} state @param {{ids: string[]}} action @returns {State} */
+function filesRemoved(state, { ids }) {
   return {
     ...state,
-    files: state.files.filter((file) => file.id !== id),
-    pairs: replaceInPairs(state.pairs, id),
-    sources: replaceInSources(state.sources, id),
+    files: state.files.filter(({ id }) => !ids.includes(id)),
+    pairs: ids.reduce((pairs, id) => replaceInPairs(pairs, id), state.pairs),
+    sources: ids.reduce((sources, id) => replaceInSources(sources, id), state.sources),
   };
 }
 
@@ -399,7 +399,7 @@ const changes = {
     const batches = [...new Set(state.doubles.map(({ batch }) => batch))];
     return batches.reduce((next, batch) => withGuesses(state, next, batch), added);
   },
-  fileRemoved,
+  filesRemoved,
   /** @param {State} state */
   startedOver: ({ log, lastId }) => ({ ...emptyState, log, lastId }),
 

@@ -73,7 +73,7 @@ function changeAndFocusNext(button, change) {
 function RemoveButton({ files, send }) {
   const name = `Remove ${files.map(({ title }) => title).join(" and ")}`;
   const remove = (/** @type {{currentTarget: HTMLElement}} */ { currentTarget }) =>
-    changeAndFocusNext(currentTarget, () => files.forEach(({ id }) => send({ type: "fileRemoved", id })));
+    changeAndFocusNext(currentTarget, () => send({ type: "filesRemoved", ids: files.map(({ id }) => id) }));
   return (
     <button type="button" class="quiet" aria-label={name} onClick={remove}>
       Remove

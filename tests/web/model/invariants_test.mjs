@@ -39,7 +39,7 @@ function filesStay({ before, action, after, replaced }) {
     const now = after.files.find(({ id }) => id === old.id);
     if (now === old) continue;
     if (now && !isDeepStrictEqual({ ...now, isOutdated: old.isOutdated }, old)) return `${old.id} is not what it was`;
-    if (now || action.type === "startedOver" || (action.type === "fileRemoved" && action.id === old.id)) continue;
+    if (now || action.type === "startedOver" || action.ids?.includes(old.id)) continue;
     const by = after.files.find(({ id }) => id === replaced.get(old.id));
     if (by?.title !== old.title) return `${old.id} left the list, although nobody removed it`;
     if (old.contents.kind === "refused") continue;
@@ -54,7 +54,7 @@ function filesStay({ before, action, after, replaced }) {
 
 /** The files that a person moves. */
 const movedBy = {
-  fileRemoved: ({ id }) => [id],
+  filesRemoved: ({ ids }) => ids,
   discTakenOut: ({ file }) => [file],
   discsExchanged: ({ pair }, state) => discsOf(state.pairs.find(({ id }) => id === pair)),
   discChosen: ({ file, pair, disc }, state) => [file, state.pairs.find(({ id }) => id === pair)?.[disc]?.file],

@@ -46,7 +46,7 @@ const events = {
     return { type: "filesExamined", job, files: given, outdated };
   },
   doubles: () => ({ type: "doublesAdded" }),
-  remove: (state, title) => ({ type: "fileRemoved", id: fileIn(state, title) }),
+  remove: (state, title) => ({ type: "filesRemoved", ids: [fileIn(state, title)] }),
   from: (state, name) => ({ type: "fromChosen", medium: mediumIn(state, name) }),
   into: (state, name) => ({ type: "intoChosen", medium: mediumIn(state, name) }),
   show: (state, name) => ({ type: "shownChosen", medium: mediumIn(state, name) }),

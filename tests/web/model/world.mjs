@@ -95,7 +95,7 @@ const events = {
   },
   changedOnDisk: (world, a) => void ++world.disk[a % world.disk.length].version,
   doublesAdded: () => ({}),
-  fileRemoved: (world, a) => ({ id: pickFile(world, a) }),
+  filesRemoved: (world, a, b) => ({ ids: [a, b].slice(b % 2).map((number) => pickFile(world, number)) }),
   startedOver: (_, a) => a % 10 === 0 && {},
   discChosen(world, a, b) {
     const pair = b % 5 === 0 ? undefined : pickPair(world, b); // a new one, or one that is there
