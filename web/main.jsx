@@ -35,15 +35,13 @@ let made = [];
 
 /** Shows the state. What has the focus stays where it is on the screen, whatever is added above it. */
 function show() {
-  const focused = document.activeElement ?? document.body;
-  const top = focused.getBoundingClientRect().top;
-  document.documentElement.style.setProperty("overflow-anchor", focused === document.body ? "auto" : "none");
-  render(
-    <App state={state} send={send} effects={{ giveInput, giveExamples, save, saveAll, startOver, stopRun }} />,
-    root,
-  );
+  const focused = document.activeElement === document.body ? null : document.activeElement;
+  const top = focused?.getBoundingClientRect().top ?? 0;
+  document.documentElement.style.setProperty("overflow-anchor", focused ? "none" : "auto");
+  const effects = { giveInput, giveExamples, save, saveAll, startOver, stopRun };
+  render(<App state={state} send={send} effects={effects} />, root);
   status.textContent = state.progress;
-  if (focused !== document.body && focused.isConnected) scrollBy(0, focused.getBoundingClientRect().top - top);
+  if (focused?.isConnected) scrollBy(0, focused.getBoundingClientRect().top - top);
 }
 
 /** Whether what the person does would lose new files that are not saved. @param {Action} action */
