@@ -45,7 +45,7 @@ const manyTexts = (count) => Object.fromEntries(Array.from({ length: count }, (_
 
 for (const [way, drop] of Object.entries(walks)) {
   test(`a folder is read with its subfolders, likely files first, and without hidden ones: ${way}`, async () => {
-    const games = { old: { "DISC2.D64": "3" }, __MACOSX: { "._DISC2.D64": "4" } };
+    const games = { old: { "DISC2.D64": "3" }, __MACOSX: { "DISC2.D64": "4" } };
     const tree = { ".git": manyTexts(3), "readme.txt": "1", scripts: { "scr_flags.asm": "2" }, games, ".a.d64": "5" };
     const found = await drop(".zarnis", tree);
     const paths = [".zarnis/games/old/DISC2.D64", ".zarnis/scripts/scr_flags.asm", ".zarnis/readme.txt"];
