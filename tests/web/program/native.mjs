@@ -13,13 +13,11 @@ function filesIn(folder) {
   return Object.fromEntries(names.map((name) => [name, new Uint8Array(readFileSync(join(folder, name)))]));
 }
 
-/** The included files that a text names and that are not there. */
+/** The first included file that a text names and that is not there: the program stops at it. */
 function findMissing(files) {
   const texts = Object.values(files).map((bytes) => Buffer.from(bytes).toString("latin1"));
-  const included = texts.flatMap((text) =>
-    [...text.matchAll(/include "(.*)"/g)].map(([, name]) => `generated/${name}`),
-  );
-  return included.filter((path) => !(path in files));
+  const names = texts.flatMap((text) => [...text.matchAll(/include\s+(?:#\s+)?"(.*?)"/g)].map(([, name]) => name));
+  return names.map((name) => `generated/${name}`).filter((path) => !(path in files)).slice(0, 1); // prettier-ignore
 }
 
 /** Runs the program in a folder that has only these files. */
