@@ -73,6 +73,7 @@ write("new3-with-notes.d64", withNotes("new3.d64"));
 const floppies = { "blank2.d64": read("blank2.d64"), "blank3.d64": withNotes("blank3.d64") };
 write("blank.zip", zipSync(floppies, { mtime: written }));
 write("full.reu.gz", gzipSync(read("full.reu")));
+mkdirSync(path("nothing"));
 write("cut.d64", Buffer.alloc(174_848));
 write("old.prg", Buffer.alloc(99));
 for (const number of [1, 2, 3, 4]) write(`${number}.png`, "\x89PNG");
