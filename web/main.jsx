@@ -11,7 +11,7 @@ import { readFlags } from "./program/flags.js";
 import { stashkeep, stopRun } from "./program/stashkeep.js";
 import { extract, isEqual, takeOut, transfer } from "./program/transfer.js";
 import { App } from "./views/App.jsx";
-import { goTo } from "./views/parts.jsx";
+import { countOf, goTo } from "./views/parts.jsx";
 
 /** @import { Contents, FileFacts, Job, Medium, State } from "./model/types.js" */
 /** @import { Action } from "./model/update.js" */
@@ -28,6 +28,7 @@ let state = emptyState;
 let isWorking = false;
 let isSavingAll = false;
 let lastFileId = 0;
+let news = ""; // what was added, for some seconds: the list may be out of sight
 /** What the browser gave, and the bytes that it had then, by the ids of files. @type {Map<string, Given & {bytes?: Uint8Array, content?: string}>} */
 const given = new Map();
 /** The contents of the result. @type {Blob[]} */
@@ -40,8 +41,18 @@ function show() {
   document.documentElement.style.setProperty("overflow-anchor", focused ? "none" : "auto");
   const effects = { giveInput, giveExamples, save, saveAll, startOver, stopRun };
   render(<App state={state} send={send} effects={effects} />, root);
-  status.textContent = state.progress;
+  status.textContent = state.progress || news;
+  status.setAttribute("aria-busy", String(state.progress !== ""));
   if (focused?.isConnected) scrollBy(0, focused.getBoundingClientRect().top - top);
+}
+
+/** @param {string} text */
+function tell(text) {
+  news = text;
+  setTimeout(() => {
+    if (news === text) news = "";
+    show();
+  }, 6000);
 }
 
 /** Whether what the person does would lose new files that are not saved. @param {Action} action */
@@ -62,6 +73,7 @@ function send(action) {
   } catch (error) {
     state = update(state, { type: "givingFailed", error: String(error) });
   }
+  if (action.type === "filesExamined") tell(`Added to 1. Your files: ${countOf(action.files.length, "file", "files")}`);
   show();
   const isTyping = document.activeElement?.matches('[type="search"]');
   if (state.result && !before.result && !isTyping) goTo("result-heading");

@@ -1,5 +1,6 @@
 // What the person has to agree to before anything is made: what is wrong with the savegame, and what nobody can know about
 // the order of floppy images.
+import { findRemarks } from "./compare.js";
 import { hasTwin } from "./pairs.js";
 import { readDiscName } from "./names.js";
 import { findMedium, newDataFile } from "./media.js";
@@ -8,11 +9,15 @@ import { findMedium, newDataFile } from "./media.js";
 
 /** @param {Medium} medium @returns {Concern[]} */
 function findDamages(medium) {
-  return medium.savegame.flatMap(({ state, damagedPages }, i) => {
-    const disc = i + 2;
-    if (state === "none") return { kind: "halfEmpty", medium, disc };
-    return damagedPages.map((page) => /** @type {Concern} */ ({ kind: "damaged", medium, disc, page }));
-  });
+  /** @type {Concern[]} */
+  const different = medium.pair && findRemarks(medium.savegame).length > 0 ? [{ kind: "different", medium }] : [];
+  return different.concat(
+    medium.savegame.flatMap(({ state, damagedPages }, i) => {
+      const disc = i + 2;
+      if (state === "none") return { kind: "halfEmpty", medium, disc };
+      return damagedPages.map((page) => /** @type {Concern} */ ({ kind: "damaged", medium, disc, page }));
+    }),
+  );
 }
 
 /**

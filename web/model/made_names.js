@@ -56,8 +56,10 @@ function originOf(medium) {
   const { name, modified } = medium.files[0];
   const backup = /^backup of (.*)(, money \d+, \d{4}-\d\d-\d\d \d\d-\d\d-\d\d)/s.exec(name);
   if (backup) return toPart(backup[1]) + backup[2];
-  const money = medium.savegame.find(({ state }) => state !== "none")?.fields.get("money") ?? 0;
-  return `${toPart(commonName(medium))}, money ${money}, ${formatTime(modified)}`;
+  const saved = medium.savegame.filter(({ state }) => state !== "none");
+  const money = saved[0]?.fields.get("money") ?? 0;
+  const half = saved.length === 1 ? ", half" : "";
+  return `${toPart(commonName(medium))}${half}, money ${money}, ${formatTime(modified)}`;
 }
 
 /** The name of a data file with the savegame of a medium. @param {Medium} medium */

@@ -87,7 +87,7 @@
 /**
  * What the person has to agree to before anything is made of these files.
  * @typedef {object} Concern
- * @property {"halfEmpty" | "damaged" | "order" | "contradiction" | "twins" | "anew"} kind
+ * @property {"halfEmpty" | "damaged" | "different" | "order" | "contradiction" | "twins" | "anew"} kind
  * @property {Medium} medium
  * @property {number} [disc]
  * @property {number} [page]

@@ -3,7 +3,6 @@ import { hasSavegame } from "../model/media.js";
 import { isolate } from "../model/names.js";
 import { countSaved, hasUnsaved, isHalfSaved } from "../model/result.js";
 import { ConcernText } from "./concerns.jsx";
-import { Remarks } from "./savegames.jsx";
 import { countOf, formatNumber, formatSize, shortTitleOf } from "./parts.jsx";
 
 /** @import { Result } from "../model/types.js" */
@@ -58,7 +57,7 @@ function describeSaved(result) {
   if (count < files.length) {
     return [
       `${count} of ${files.length} saved`,
-      isHalfSaved(result) ? "Both discs are needed." : "Not all is saved yet.",
+      isHalfSaved(result) ? "Both discs are needed." : "The backup of the old savegame is not.",
     ];
   }
   return ["Sent to your downloads", `Please look whether ${count === 1 ? "it is" : "all are"} there.`];
@@ -104,7 +103,6 @@ export function MadeResult({ result, titles, onSave, onSaveAll }) {
           As before: <ConcernText concern={concern} />
         </p>
       ))}
-      {from.kind === "pair" && <Remarks savegame={from.savegame} title={`As before: ${titled.fromTitle}`} />}
       <h4>What to do next</h4>
       <ol>
         {nextSteps(titled).map((text) => (

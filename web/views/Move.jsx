@@ -1,5 +1,5 @@
 // From where a savegame is moved, and into what; what will be lost; what has to be agreed to; and the button.
-import { countDifferentBytes, findRemarks } from "../model/compare.js";
+import { countDifferentBytes } from "../model/compare.js";
 import { findConcerns } from "../model/concerns.js";
 import {
   findFromOptions,
@@ -12,7 +12,7 @@ import {
 } from "../model/media.js";
 import { ConcernText } from "./concerns.jsx";
 import { Gone, goTo, joinWords, shortTitleOf, Warning } from "./parts.jsx";
-import { describeHolding, Differences, Remarks } from "./savegames.jsx";
+import { describeHolding, Differences } from "./savegames.jsx";
 
 /** @import { ComponentChildren } from "preact" */
 /** @import { Concern, Medium, Option, State } from "../model/types.js" */
@@ -116,17 +116,6 @@ function Agreement({ state, concerns, send }) {
   );
 }
 
-/** What lets one doubt that two discs belong together. @param {{medium: Medium, title: string}} props */
-function Doubt({ medium, title }) {
-  if (findRemarks(medium.savegame).length === 0) return undefined;
-  return (
-    <div class="warning">
-      <h3>Are these two discs of the same savegame?</h3>
-      <Remarks savegame={medium.savegame} title={title} />
-    </div>
-  );
-}
-
 /**
  * The last step: what is replaced, what to agree to, and the button.
  *
@@ -137,14 +126,13 @@ function LastStep({ state, titles, from, into, send }) {
   const isReady = concerns.length === 0 || state.choices.agreed !== undefined;
   const isWorking = state.jobs.some(({ kind }) => kind === "make");
   const isReplacing = into && !isBlank(into.savegame);
+  const isSame = into && countDifferentBytes(from.savegame, into.savegame) === 0;
   const text = into
     ? `Put the savegame into a copy of ${shortTitleOf(titles, into)}`
     : `Make a backup of the savegame in ${shortTitleOf(titles, from)}`;
   return (
     <>
       {isReplacing && <Replacement titles={titles} from={from} into={into} />}
-      {from.kind === "pair" && <Doubt medium={from} title={shortTitleOf(titles, from)} />}
-      {into?.kind === "pair" && <Doubt medium={into} title={shortTitleOf(titles, into)} />}
       {concerns.length > 0 && <Agreement state={state} concerns={concerns} send={send} />}
       <p class="buttons">
         {state.result ? (
@@ -152,7 +140,12 @@ function LastStep({ state, titles, from, into, send }) {
             Show the new files
           </button>
         ) : (
-          <button type="button" class="main" disabled={!isReady} onClick={() => send({ type: "makeAsked" })}>
+          <button
+            type="button"
+            class={isSame ? "" : "main"}
+            disabled={!isReady}
+            onClick={() => send({ type: "makeAsked" })}
+          >
             {text}
             {isReplacing && ", and back up the old one"}
           </button>
@@ -221,10 +214,10 @@ export function Move({ state, titles, send }) {
           {hasFrom && !from && <p>First choose which savegame it is.</p>}
           {!hasFrom && <p>There is no savegame to put anywhere yet.</p>}
           {from && intoRows.length === 0 && <p>Add the file that the savegame shall go into.</p>}
+          {from && intoRows.length > 0 && choices.into === undefined && <p class="remark">Choose where it shall go.</p>}
         </RadioGroup>
       </div>
       {!hasFrom && <p class="warning">To move a savegame, add the files that have it.</p>}
-      {from && intoRows.length > 0 && choices.into === undefined && <p>Choose where it shall go.</p>}
       {from && choices.into !== undefined && (
         <LastStep state={state} titles={titles} from={from} into={into} send={send} />
       )}

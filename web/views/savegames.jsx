@@ -59,13 +59,20 @@ export function Damages({ savegame }) {
   ));
 }
 
+/** What differs between disc 2 and disc 3; "" if nothing does. @param {Savegame} savegame */
+export function describeRemarks(savegame) {
+  return findRemarks(savegame)
+    .map((remark) => `${remark.title} (${remark.values.join(" and ")})`)
+    .join(", ");
+}
+
 /** What differs between disc 2 and disc 3, with a title in front. @param {{savegame: Savegame, title?: string}} props */
 export function Remarks({ savegame, title }) {
-  const remarks = findRemarks(savegame).map((remark) => `${remark.title} (${remark.values.join(" and ")})`);
-  if (remarks.length === 0) return undefined;
+  const remarks = describeRemarks(savegame);
+  if (remarks === "") return undefined;
   return (
     <p class="remark">
-      {title && `${title}: `}Disc 2 and disc 3 differ in {remarks.join(", ")}. Are they of the same savegame?
+      {title && `${title}: `}Disc 2 and disc 3 differ in {remarks}. Are they of the same savegame?
     </p>
   );
 }

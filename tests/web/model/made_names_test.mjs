@@ -8,6 +8,7 @@ const at = (...date) => new Date(...date).getTime();
 const written = at(2020, 0, 2, 3, 4, 5);
 const when = "2020-01-02 03-04-05";
 const longName = "a".repeat(100);
+const half = findMedia(stateWith(file("half.dat", { modified: written, holds: "good none" })))[0];
 const mediaOf = (...paths) =>
   findMedia(stateWith(...paths.map((path) => file(path, { modified: written, holds: "good" }))));
 
@@ -42,4 +43,5 @@ test("a backup is named after where the savegame comes from, and when that was w
     { of: ["from anna.zip/disc2.d64", "from anna.zip/disc3.d64"], name: `from anna, money 40, ${when}` },
   ];
   for (const { of, name } of cases) assert.equal(nameOfBackup(mediaOf(...of)[0]), `backup of ${name}.dat`);
+  assert.equal(nameOfBackup(half), `backup of half, half, money 40, ${when}.dat`);
 });

@@ -3,9 +3,9 @@ import { emptyState, update } from "../../../web/model/update.js";
 
 let lastId = 0;
 
-function contentsOf(path, { holds, canTake = true, refused, content }) {
+function contentsOf(path, { holds, canTake = true, refused, content, money = "40" }) {
   const words = holds.split(" "); // one for both discs, or one for each
-  const fields = new Map([["money", "40"]]);
+  const fields = new Map([["money", money]]);
   const bytesOf = (state) => (state === "none" ? [0, 0] : [0, content]);
   const disc = (state) => ({ state, damagedPages: state === "damaged" ? [1] : [], fields, bytes: bytesOf(state) });
   const savegame = [disc(words[0]), disc(words.at(-1))];
